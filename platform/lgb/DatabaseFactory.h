@@ -1,0 +1,28 @@
+#pragma once
+
+#include <lgb/IDatabase.h>
+
+#include <cstdint>
+#include <memory>
+
+#pragma GCC visibility push(default)
+
+namespace lgb {
+
+/// Opens the platform's databases by name. Both members are defined by the platform; a subclass may replace
+/// `create`.
+class DatabaseFactory {
+public:
+    virtual ~DatabaseFactory();
+
+    /// Opens the named database, making it when there is none.
+    /// @param name of the logbook, "lgbCustomer" or "lgbService"
+    /// @param first, second the platform's own numbers, handed on unchanged
+    /// @return never null
+    /// @throws whatever the platform throws when the database can't be opened
+    virtual std::unique_ptr<IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const;
+};
+
+}  // namespace lgb
+
+#pragma GCC visibility pop
