@@ -1,0 +1,28 @@
+#pragma once
+
+#include <nsa/zel/converter/zel/enums/conversion.h>
+#include <nsa/zel/enums/Generation.h>
+
+namespace tqbase2::nsa::zel::enums {
+
+/// Generation to its JSON spelling and back.
+class GenerationConverter {
+public:
+    using type = Generation;
+
+    /// @throws system::LogicError, without logging, for a number outside the enumeration
+    static Json::Value fromValToJsonValue(const type& value) {
+        return conversion::toJson(generationSpellings, value, {file, __LINE__, BOOST_CURRENT_FUNCTION});
+    }
+
+    /// @param value compared whole and case-sensitively; null and the empty string read as the first enumerator
+    /// @throws system::LogicError, logged at level 4, for another spelling; Json::LogicError for an array or object
+    static type fromJsonToVal(const Json::Value& value) {
+        return conversion::fromJson<type>(generationSpellings, value, {file, __LINE__, BOOST_CURRENT_FUNCTION});
+    }
+
+private:
+    static constexpr const char* file = "converter/zel/enums/GenerationConverter.h";
+};
+
+}  // namespace tqbase2::nsa::zel::enums
