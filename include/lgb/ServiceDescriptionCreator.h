@@ -1,0 +1,20 @@
+#pragma once
+
+#include <lgb/DescriptionCreator.h>
+#include <nsa/zel/export.h>
+
+namespace lgb {
+
+/// Makes the descriptions of the service logbook.
+class TQZEL_EXPORT ServiceDescriptionCreator : public DescriptionCreator {
+public:
+    ~ServiceDescriptionCreator() override;
+
+    /// As the customer logbook describes it, followed by a blank and the "service" member of the parameters when there
+    /// is one; a member that can't be read is logged at level 4 and left out. An entry without a code is shown with the
+    /// text it was stored with, behind unit and device.
+    /// @return false only where the customer logbook can't describe a coded entry
+    bool create(tqbase2::nsa::zel::structs::LogbookEntry& entry) override;
+};
+
+}  // namespace lgb
