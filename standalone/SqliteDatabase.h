@@ -1,0 +1,43 @@
+#pragma once
+
+#include <lgb/IDatabase.h>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace standalone {
+
+/// One logbook in one SQLite file. Records are numbered in the order of adding, without gaps, and no number is given
+/// out twice; a page is a range of numbers, so that it costs the same at any offset.
+class SqliteDatabase : public lgb::IDatabase {
+public:
+    /// @param path of the file, made when missing
+    /// @param recordsKept beyond which adding drops the oldest; 0: all
+    /// @throws DatabaseError, here and from every operation
+    SqliteDatabase(const std::string& path, std::uint32_t recordsKept);
+
+    std::vector<lgb::DatabaseRecord> fetch(unsigned int offset, unsigned int count) override;
+    void add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) override;
+    void clear() override;
+    unsigned int count() override;
+
+private:
+    template <typename Operation>
+    auto guarded(Operation operation);
+
+    std::mutex mutex;  // statements are not to be shared
+    std::string file;
+    std::int64_t capacity;
+    SQLite::Database connection;
+    SQLite::Statement selectPage;
+    SQLite::Statement insertRecord;
+    SQLite::Statement deleteOldest;
+    SQLite::Statement selectCount;
+};
+
+}  // namespace standalone

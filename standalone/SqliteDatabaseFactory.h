@@ -1,0 +1,40 @@
+#pragma once
+
+#include "export.h"
+
+#include <lgb/DatabaseFactory.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+namespace standalone {
+
+/// Where the logbooks are kept unless said otherwise: $TQZEL_LOGBOOK_DIR, else $XDG_STATE_HOME/tqzel-logbook, else
+/// $HOME/.local/state/tqzel-logbook.
+/// @throws DatabaseError when none of the variables is set
+TQZEL_STANDALONE_EXPORT std::filesystem::path logbookFolder();
+
+/// The file in a folder that holds the named logbook.
+TQZEL_STANDALONE_EXPORT std::filesystem::path logbookFile(const std::filesystem::path& folder, const char* name);
+
+/// Opens logbooks as SQLite files in one folder. The databases it makes may be used from several threads, and several
+/// processes may use the same folder; a lock is waited for up to 5 s.
+class TQZEL_STANDALONE_EXPORT SqliteDatabaseFactory : public lgb::DatabaseFactory {
+public:
+    /// @param folder made when missing, at the first `create`
+    explicit SqliteDatabaseFactory(std::filesystem::path folder);
+
+    /// Newest record first, by order of adding. When `add` returns, the record survives power loss.
+    /// @param name the file is <name>.db
+    /// @param first has no meaning here
+    /// @param second capacity in records, beyond which the oldest is dropped; 0: unlimited
+    /// @throws DatabaseError, here and from the database, naming the file and the reason. A file that is not a logbook,
+    ///         is damaged, or was written by a newer schema is left as it is.
+    std::unique_ptr<lgb::IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const override;
+
+private:
+    std::filesystem::path folder;
+};
+
+}  // namespace standalone

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what libTqZelPlatform.so exports besides the platform interface itself.
+#define TQZEL_STANDALONE_EXPORT __attribute__((visibility("default")))

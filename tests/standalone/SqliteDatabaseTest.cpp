@@ -1,0 +1,368 @@
+#include "DatabaseContract.h"
+#include "TemporaryFolder.h"
+
+#include <standalone/SqliteDatabaseFactory.h>
+#include <standalone/errors.h>
+#include <tqbase2/system/Exception.h>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Transaction.h>
+#include <gmock/gmock.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using standalone::SqliteDatabaseFactory;
+using support::TemporaryFolder;
+using Texts = std::vector<std::string>;
+
+/// A database whose folder goes with it.
+class OwnFolderDatabase : public lgb::IDatabase {
+public:
+    std::vector<lgb::DatabaseRecord> fetch(unsigned int offset, unsigned int count) override {
+        return database->fetch(offset, count);
+    }
+
+    void add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) override {
+        database->add(json, timestamp);
+    }
+
+    void clear() override { database->clear(); }
+
+    unsigned int count() override { return database->count(); }
+
+private:
+    TemporaryFolder folder;
+    std::unique_ptr<lgb::IDatabase> database = SqliteDatabaseFactory(folder.path()).create("lgbTest", 0, 0);
+};
+
+INSTANTIATE_TEST_SUITE_P(Sqlite, DatabaseContract,
+                         testing::Values(DatabaseUnderTest{"File",
+                                                           [] { return std::make_unique<OwnFolderDatabase>(); }}),
+                         nameOfDatabase);
+
+/// The logbook of each test is lgbTest.db in a folder of its own; what looks at it opens it anew.
+class SqliteDatabase : public testing::Test {
+protected:
+    std::unique_ptr<lgb::IDatabase> open(std::uint32_t capacity = 0) const {
+        return SqliteDatabaseFactory(folder.path()).create("lgbTest", 6381, capacity);
+    }
+
+    static void add(lgb::IDatabase& database, const std::string& json, std::int64_t seconds = 0) {
+        database.add(json, {seconds, 0, ""});
+    }
+
+    static void addNumbers(lgb::IDatabase& database, int first, int last) {
+        for (int number = first; number <= last; ++number) {
+            add(database, std::to_string(number));
+        }
+    }
+
+    Texts stored() const {
+        Texts texts;
+        for (const lgb::DatabaseRecord& record : open()->fetch(0, 1000000)) {
+            texts.push_back(record.json);
+        }
+        return texts;
+    }
+
+    /// What opening the file is refused with.
+    std::string refusal() const {
+        try {
+            open();
+            return "opened";
+        } catch (const standalone::DatabaseError& error) {
+            return error.what();
+        }
+    }
+
+    TemporaryFolder folder;
+    const std::filesystem::path file = folder / "lgbTest.db";
+};
+
+Texts countingDown(int from, int to) {
+    Texts numbers;
+    for (int number = from; number >= to; --number) {
+        numbers.push_back(std::to_string(number));
+    }
+    return numbers;
+}
+
+TEST_F(SqliteDatabase, KeepsRecordsWhenClosed) {
+    add(*open(), "a");
+    EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(SqliteDatabase, GivesNewestFirstByOrderOfAddingWhateverTheClockSaid) {
+    const auto database = open();
+    add(*database, "first", 300);
+    add(*database, "second", 100);
+    add(*database, "third", 200);
+    EXPECT_EQ(stored(), (Texts{"third", "second", "first"}));
+}
+
+TEST_F(SqliteDatabase, DropsTheOldestWhenFull) {
+    addNumbers(*open(3), 1, 5);
+    EXPECT_EQ(stored(), (Texts{"5", "4", "3"}));
+}
+
+TEST_F(SqliteDatabase, OfCapacityZeroKeepsEverything) {
+    addNumbers(*open(0), 1, 2000);
+    EXPECT_EQ(stored(), countingDown(2000, 1));
+}
+
+TEST_F(SqliteDatabase, OpenedWithSmallerCapacityShrinksAtTheNextAdd) {
+    addNumbers(*open(0), 1, 10);
+    const auto database = open(2);
+    EXPECT_EQ(database->count(), 10u);
+    add(*database, "11");
+    EXPECT_EQ(stored(), (Texts{"11", "10"}));
+}
+
+TEST_F(SqliteDatabase, DropsTheOldestAfterAClearToo) {
+    const auto database = open(2);
+    addNumbers(*database, 1, 5);
+    database->clear();
+    addNumbers(*database, 6, 9);
+    EXPECT_EQ(stored(), (Texts{"9", "8"}));
+}
+
+TEST_F(SqliteDatabase, NeverGivesANumberOutTwice) {
+    addNumbers(*open(), 1, 3);
+    open()->clear();
+    open()->clear();
+    add(*open(), "4");
+    SQLite::Database raw(file.string());
+    EXPECT_EQ(raw.execAndGet("SELECT number FROM record").getInt(), 4);
+}
+
+TEST_F(SqliteDatabase, OfCapacity500Keeps500OutOf20000InAFileThatStopsGrowing) {
+    {
+        const auto database = open(500);
+        addNumbers(*database, 1, 5000);
+        const auto size = std::filesystem::file_size(file);
+        const auto logSize = std::filesystem::file_size(file.string() + "-wal");
+        addNumbers(*database, 5001, 20000);
+        EXPECT_EQ(std::filesystem::file_size(file), size);
+        constexpr std::uintmax_t oneTransaction = 4 * 4096;
+        EXPECT_LE(std::filesystem::file_size(file.string() + "-wal"), logSize + oneTransaction);
+        EXPECT_EQ(database->count(), 500u);
+    }
+    EXPECT_EQ(stored(), countingDown(20000, 19501));
+}
+
+TEST_F(SqliteDatabase, SyncsEachRecordIntoAWriteAheadLog) {
+    const auto database = open();
+    SQLite::Database raw(file.string());
+    EXPECT_EQ(raw.execAndGet("PRAGMA journal_mode").getString(), "wal");
+}
+
+TEST_F(SqliteDatabase, KeepsWhatWasAddedWhenTheWriterIsKilled) {
+    int acknowledged[2];
+    ASSERT_EQ(pipe(acknowledged), 0);
+    const pid_t writer = fork();
+    if (writer == 0) {
+        const auto database = open();
+        for (int number = 1;; ++number) {
+            add(*database, std::to_string(number));
+            (void)!write(acknowledged[1], "x", 1);
+        }
+    }
+    char byte = 0;
+    for (int number = 1; number <= 50; ++number) {
+        ASSERT_EQ(read(acknowledged[0], &byte, 1), 1);
+    }
+    kill(writer, SIGKILL);
+    waitpid(writer, nullptr, 0);
+    close(acknowledged[1]);
+    int total = 50;
+    while (read(acknowledged[0], &byte, 1) == 1) {
+        ++total;
+    }
+    close(acknowledged[0]);
+
+    const Texts texts = stored();
+    const int last = std::stoi(texts.front());
+    EXPECT_GE(last, total);
+    EXPECT_LE(last, total + 1);
+    EXPECT_EQ(texts, countingDown(last, 1));
+}
+
+TEST_F(SqliteDatabase, ServesSeveralThreads) {
+    const auto database = open();
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&database, thread] {
+            for (int number = 0; number < 100; ++number) {
+                add(*database, std::to_string(thread * 100 + number));
+                database->fetch(0, 5);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    Texts texts = stored();
+    std::sort(texts.begin(), texts.end(), [](const auto& a, const auto& b) { return std::stoi(a) > std::stoi(b); });
+    EXPECT_EQ(texts, countingDown(399, 0));
+}
+
+TEST_F(SqliteDatabase, ShowsWhatAnotherConnectionAdds) {
+    const auto viewer = open();
+    const auto device = open();
+    add(*device, "a");
+    EXPECT_EQ(viewer->count(), 1u);
+    EXPECT_EQ(viewer->fetch(0, 1)[0].json, "a");
+}
+
+TEST_F(SqliteDatabase, IsMadeOnceBySeveralProcessesAtATime) {
+    constexpr int processes = 8;
+    for (int process = 0; process < processes; ++process) {
+        if (fork() == 0) {
+            try {
+                add(*open(), "a");
+                _exit(0);
+            } catch (const std::exception& exception) {
+                std::fprintf(stderr, "%s\n", exception.what());
+                _exit(1);
+            }
+        }
+    }
+    for (int process = 0; process < processes; ++process) {
+        int status = -1;
+        wait(&status);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(stored(), Texts(processes, "a"));
+}
+
+TEST_F(SqliteDatabase, WaitsForALock) {
+    const auto database = open();
+    SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
+    std::thread holder;
+    {
+        SQLite::Transaction transaction(other, SQLite::TransactionBehavior::IMMEDIATE);
+        holder = std::thread([&database] { add(*database, "a"); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_EQ(other.execAndGet("SELECT count(*) FROM record").getInt(), 0);
+    }
+    holder.join();
+    EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(SqliteDatabase, GivesUpOnALockByName) {
+    const auto database = open();
+    SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
+    const SQLite::Transaction transaction(other, SQLite::TransactionBehavior::IMMEDIATE);
+    try {
+        add(*database, "a");
+        FAIL() << "added under a lock";
+    } catch (const tqbase2::system::Exception& exception) {
+        EXPECT_STREQ(exception.what(), (file.string() + ": database is locked").c_str());
+    }
+}
+
+TEST_F(SqliteDatabase, RefusesAFileThatIsNoDatabaseAndLeavesItAlone) {
+    const std::string letter(5000, 'x');
+    support::write(file, letter);
+    EXPECT_EQ(refusal(), file.string() + ": file is not a database");
+    EXPECT_EQ(support::contentOf(file), letter);
+}
+
+TEST_F(SqliteDatabase, RefusesAForeignDatabaseAndLeavesItAlone) {
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec("CREATE TABLE cats (name TEXT)");
+    const std::string before = support::contentOf(file);
+    EXPECT_EQ(refusal(), file.string() + ": an SQLite database, but not a logbook");
+    EXPECT_EQ(support::contentOf(file), before);
+}
+
+TEST_F(SqliteDatabase, RefusesAFileOfANewerSchemaAndLeavesItAlone) {
+    add(*open(), "a");
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 3");
+    const std::string before = support::contentOf(file);
+    EXPECT_EQ(refusal(), file.string() + ": written by schema 3, this program reads up to 1");
+    EXPECT_EQ(support::contentOf(file), before);
+}
+
+TEST_F(SqliteDatabase, RefusesADamagedFileAndLeavesItAlone) {
+    addNumbers(*open(), 1, 500);
+    std::string content = support::contentOf(file);
+    content.replace(4096, 4096, std::string(4096, '\xff'));
+    support::write(file, content);
+    EXPECT_EQ(refusal(), file.string() + ": damaged: Page 2: btreeInitPage() returns error code 11");
+    EXPECT_EQ(support::contentOf(file), content);
+}
+
+TEST_F(SqliteDatabase, RefusesAFileCutShort) {
+    addNumbers(*open(), 1, 500);
+    const auto size = std::filesystem::file_size(file);
+    std::filesystem::resize_file(file, size - 4096);
+    EXPECT_THAT(refusal(), testing::StartsWith(file.string() + ": "));
+    EXPECT_EQ(std::filesystem::file_size(file), size - 4096);
+}
+
+TEST_F(SqliteDatabase, MakesTheFolderWhenMissing) {
+    SqliteDatabaseFactory(folder / "a/b").create("lgbTest", 0, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder / "a/b/lgbTest.db"));
+}
+
+TEST_F(SqliteDatabase, NamesAFolderThatCanNotBeMade) {
+    support::write(folder / "file", "");
+    try {
+        SqliteDatabaseFactory(folder / "file/folder").create("lgbTest", 0, 0);
+        FAIL() << "made a folder in a file";
+    } catch (const standalone::DatabaseError& error) {
+        EXPECT_EQ(error.what(), (folder / "file/folder").string() + ": can't make the folder: Not a directory");
+    }
+}
+
+class LogbookFolder : public testing::Test {
+protected:
+    LogbookFolder() {
+        for (const char* variable : {"TQZEL_LOGBOOK_DIR", "XDG_STATE_HOME", "HOME"}) {
+            unsetenv(variable);
+        }
+    }
+};
+
+TEST_F(LogbookFolder, IsTheFirstThatTheEnvironmentNames) {
+    setenv("HOME", "/home/me", 1);
+    EXPECT_EQ(standalone::logbookFolder(), "/home/me/.local/state/tqzel-logbook");
+    setenv("XDG_STATE_HOME", "/state", 1);
+    EXPECT_EQ(standalone::logbookFolder(), "/state/tqzel-logbook");
+    setenv("TQZEL_LOGBOOK_DIR", "/logbooks", 1);
+    EXPECT_EQ(standalone::logbookFolder(), "/logbooks");
+}
+
+TEST_F(LogbookFolder, IsNotNamedByAnEmptyVariable) {
+    setenv("HOME", "/home/me", 1);
+    setenv("TQZEL_LOGBOOK_DIR", "", 1);
+    EXPECT_EQ(standalone::logbookFolder(), "/home/me/.local/state/tqzel-logbook");
+}
+
+TEST_F(LogbookFolder, MissingIsAnErrorThatSaysWhatToSet) {
+    try {
+        standalone::logbookFolder();
+        FAIL() << "found a folder";
+    } catch (const standalone::DatabaseError& error) {
+        EXPECT_STREQ(error.what(),
+                     "no folder for the logbooks: none of TQZEL_LOGBOOK_DIR, XDG_STATE_HOME and HOME is set");
+    }
+}
+
+TEST_F(LogbookFolder, IsWhereThePlatformsOwnFactoryPutsItsFiles) {
+    const TemporaryFolder folder;
+    setenv("TQZEL_LOGBOOK_DIR", folder.path().c_str(), 1);
+    lgb::DatabaseFactory().create("lgbTest", 0, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder / "lgbTest.db"));
+}
+
+}  // namespace

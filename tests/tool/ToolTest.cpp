@@ -1,0 +1,269 @@
+#include "run.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <regex>
+#include <string>
+
+namespace {
+
+using support::Outcome;
+
+/// Each test has a folder of logbooks of its own.
+class Tool : public testing::Test {
+protected:
+    Outcome tool(const std::string& arguments) const {
+        return support::run("TQZEL_LOGBOOK_DIR='" + folder.path().string() + "' " + TQZEL_TOOL + ' ' + arguments);
+    }
+
+    void add(const std::string& arguments) const {
+        const Outcome outcome = tool("add " + arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << arguments;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.errors, "");
+    }
+
+    /// What a logbook shows, its times as "TIME".
+    std::string shown(const std::string& arguments) const {
+        const Outcome outcome = tool("show " + arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        static const std::regex time("\\d{4}-\\d{2}-\\d{2} \\d{2}:\\d{2}:\\d{2} [+-]\\d{4}");
+        return std::regex_replace(outcome.output, time, "TIME");
+    }
+
+    std::string error(const Outcome& outcome, int exitCode) const {
+        EXPECT_EQ(outcome.exitCode, exitCode);
+        EXPECT_EQ(outcome.output, "");
+        return outcome.errors;
+    }
+
+    /// The one line that answers wrong use.
+    std::string wrongUse(const std::string& arguments) const { return error(tool(arguments), 2); }
+
+    /// The one line that tells of a failure.
+    std::string failure(const std::string& arguments) const { return error(tool(arguments), 1); }
+
+    support::TemporaryFolder folder;
+    const std::string header = "Time                       Type     Description\n";
+};
+
+TEST_F(Tool, ShowsInWordsWhatWasAdded) {
+    add("customer error 14 --bus 1 --module 3");
+    EXPECT_EQ(shown("customer"),
+              "Time                       Type   Description\n"
+              "TIME  Error  Setting attenuation failed for amplifier 3 on bus 1!\n");
+}
+
+TEST_F(Tool, ShowsTheNewestFirstInColumns) {
+    add("customer info 20");
+    add("customer warning 63 --bus 1 --module 3 --unit 2 --device 4");
+    add("customer error 79");
+    EXPECT_EQ(shown("customer"),
+              header +
+                  "TIME  Error    Detected all fans to be defective!\n"
+                  "TIME  Warning  Device 4, Unit 2: Too low driver current for amplifier 3 on bus 1 reduced RF Power!\n"
+                  "TIME  Info     System restarted.\n");
+}
+
+TEST_F(Tool, ShowsAPage) {
+    add("customer info 20");
+    add("customer info 229");
+    add("customer info 230");
+    EXPECT_EQ(shown("customer --offset 1 --count 1"),
+              "Time                       Type  Description\n"
+              "TIME  Info  RF was turned on.\n");
+}
+
+TEST_F(Tool, Shows20EntriesUnlessAskedForAll) {
+    for (int number = 0; number < 25; ++number) {
+        add("service info --text Rebooted");
+    }
+    const std::string row = "TIME  Info  Rebooted\n";
+    std::string expected = "Time                       Type  Description\n";
+    for (int number = 0; number < 20; ++number) {
+        expected += row;
+    }
+    EXPECT_EQ(shown("service"), expected);
+    EXPECT_EQ(shown("service --all"), expected + row + row + row + row + row);
+}
+
+TEST_F(Tool, ShowsAnEmptyLogbookAsItsHeadings) {
+    add("customer info 20");
+    EXPECT_EQ(shown("service"), "Time  Type  Description\n");
+}
+
+TEST_F(Tool, KeepsTheTwoLogbooksApart) {
+    add("service info --text 'Fan 2 replaced' --unit 1");
+    add("customer info 20");
+    EXPECT_EQ(shown("service"),
+              "Time                       Type  Description\n"
+              "TIME  Info  Unit 1: Fan 2 replaced\n");
+    EXPECT_EQ(shown("customer"),
+              "Time                       Type  Description\n"
+              "TIME  Info  System restarted.\n");
+}
+
+TEST_F(Tool, ShowsTheServiceDetailInTheServiceLogbook) {
+    add("service error 15 --bus 1 --module 3 --service '(Id 82 A)'");
+    EXPECT_EQ(shown("service"),
+              "Time                       Type   Description\n"
+              "TIME  Error  Self-Protection occurred for amplifier 3 on bus 1! (Id 82 A)\n");
+}
+
+TEST_F(Tool, TakesEveryParameterAsAnOption) {
+    add("customer error 265 --on true");
+    add("customer error 268 --watt true");
+    add("customer error 271 --group 3");
+    add("customer warning 78 --ok true");
+    add("customer error 258 --type X");
+    add("customer error 259 --version 1.2");
+    add("customer error 203 --value 7");
+    add("customer info 201 --path A --operating-class step5");
+    add("customer info 200 --path A --output-mode VSWR");
+    add("customer info 127 --interlock-mode automatic");
+    add("customer error 282 --role device --nr 2");
+    EXPECT_EQ(shown("customer"), header +
+                                     "TIME  Error    Invalid configuration for device 2!\n"
+                                     "TIME  Info     Interlock 1 (automatic) was opened.\n"
+                                     "TIME  Info     Output Mode of RF-Path \"A\" changed to High VSWR.\n"
+                                     "TIME  Info     Operating Class of RF-Path \"A\" changed to 5.\n"
+                                     "TIME  Error    Setting AMPL_ON failed for bus 7!\n"
+                                     "TIME  Error    Incompatible Firmware 1.2!\n"
+                                     "TIME  Error    Invalid Product Type X!\n"
+                                     "TIME  Warning  Detected defective fan 1 (with fan 0 ok)!\n"
+                                     "TIME  Error    Selecting of RF-Path 4 failed!\n"
+                                     "TIME  Error    Setting Power Unit to W failed!\n"
+                                     "TIME  Error    Setting Automatic Standby to on failed!\n");
+}
+
+TEST_F(Tool, TakesTheWholeRecordAsJsonWithOptionsOnTop) {
+    add("customer error 14 --params '{\"bus\":1,\"module\":2}' --module 3");
+    EXPECT_EQ(shown("customer"),
+              "Time                       Type   Description\n"
+              "TIME  Error  Setting attenuation failed for amplifier 3 on bus 1!\n");
+}
+
+TEST_F(Tool, RecordsAnEntryOfTheFirstGeneration) {
+    add("customer info 20 --generation Kestrel --params '{\"typeProduct\":\"Wren\",\"text\":\"Fan cleaned\"}'");
+    EXPECT_EQ(shown("customer"),
+              "Time                       Type  Description\n"
+              "TIME  Info  Wren Fan cleaned\n");
+}
+
+TEST_F(Tool, ShowsControlCharactersOfATextAsEscapes) {
+    add("service info --text \"$(printf 'two\\nlines \\033[31mred')\"");
+    EXPECT_EQ(shown("service"),
+              "Time                       Type  Description\n"
+              "TIME  Info  two\\x0alines \\x1b[31mred\n");
+}
+
+TEST_F(Tool, ClearsOneLogbookWhenTold) {
+    add("customer info 20");
+    add("service info 20");
+    EXPECT_EQ(tool("clear customer --yes").exitCode, 0);
+    EXPECT_EQ(shown("customer"), "Time  Type  Description\n");
+    EXPECT_NE(shown("service"), "Time  Type  Description\n");
+}
+
+TEST_F(Tool, AsksBeforeItClears) {
+    add("customer info 20");
+    const std::string tool = "TQZEL_LOGBOOK_DIR='" + folder.path().string() + "' " + TQZEL_TOOL;
+
+    const Outcome no = support::run("echo n | " + tool + " clear customer");
+    EXPECT_EQ(no.exitCode, 0);
+    EXPECT_EQ(no.output, "Remove all entries of the customer logbook? [y/N] Nothing removed.\n");
+    EXPECT_NE(shown("customer"), "Time  Type  Description\n");
+
+    const Outcome nobody = support::run(tool + " clear customer </dev/null");
+    EXPECT_EQ(nobody.exitCode, 2);
+    EXPECT_EQ(nobody.errors, "tqzel-logbook: An answer, or --yes, is required\n");
+    EXPECT_NE(shown("customer"), "Time  Type  Description\n");
+
+    EXPECT_EQ(support::run("echo y | " + tool + " clear customer").exitCode, 0);
+    EXPECT_EQ(shown("customer"), "Time  Type  Description\n");
+}
+
+TEST_F(Tool, WorksInTheFolderOfTheOption) {
+    const std::string other = folder / "other";
+    add("customer info 20 --folder " + other);
+    EXPECT_TRUE(std::filesystem::exists(other + "/lgbCustomer.db"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "lgbCustomer.db"));
+    EXPECT_NE(shown("customer --folder " + other), "Time  Type  Description\n");
+}
+
+TEST_F(Tool, AnswersWrongUseWithOneLine) {
+    EXPECT_EQ(wrongUse(""), "tqzel-logbook: A subcommand is required\n");
+    EXPECT_EQ(wrongUse("add customer fault 14"), "tqzel-logbook: type: fault not in {info,warning,error}\n");
+    EXPECT_EQ(wrongUse("add nobody error 14"), "tqzel-logbook: logbook: nobody not in {customer,service}\n");
+    EXPECT_EQ(wrongUse("add customer error"), "tqzel-logbook: Either an id or --text is required\n");
+    EXPECT_EQ(wrongUse("add customer error 5"), "tqzel-logbook: id: there is no message error 5\n");
+    EXPECT_EQ(wrongUse("add customer error x"), "tqzel-logbook: id: Value x not in range 1 to 4294967295\n");
+    EXPECT_EQ(wrongUse("add customer error 14 --bus -1"),
+              "tqzel-logbook: --bus: Value -1 not in range 0 to 4294967295\n");
+    EXPECT_EQ(wrongUse("add customer info 127 --interlock-mode Automatic"),
+              "tqzel-logbook: --interlock-mode: Automatic not in {interactive,automatic}\n");
+    EXPECT_EQ(wrongUse("add customer info --text x"),
+              "tqzel-logbook: --text: only the service logbook shows a free text\n");
+    EXPECT_EQ(wrongUse("add service info --text x --bus 1"), "tqzel-logbook: --text: a free text has no parameters\n");
+    EXPECT_EQ(wrongUse("add service info 20 --text x"), "tqzel-logbook: Either an id or --text is required\n");
+    EXPECT_EQ(wrongUse("show customer --all --count 3"), "tqzel-logbook: --count excludes --all\n");
+    EXPECT_EQ(wrongUse("show customer --colour"), "tqzel-logbook: The following argument was not expected: --colour\n");
+}
+
+TEST_F(Tool, RefusesParametersThatAreNoJsonObject) {
+    EXPECT_EQ(wrongUse("add customer error 14 --params '{bus'"),
+              "tqzel-logbook: --params: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
+    EXPECT_EQ(wrongUse("add customer error 14 --params '[1]'"),
+              "tqzel-logbook: --params: expected a JSON object such as {\"bus\":1,\"module\":3}\n");
+    EXPECT_EQ(wrongUse("add customer error 14 --params 0"),
+              "tqzel-logbook: --params: expected a JSON object such as {\"bus\":1,\"module\":3}\n");
+}
+
+TEST_F(Tool, RefusesParametersThatTheMessageCanNotUse) {
+    EXPECT_EQ(wrongUse("add customer error 14 --params '{\"bus\":\"x\"}'"),
+              "tqzel-logbook: parameters: {\"bus\":\"x\"} is not what error 14 needs\n");
+}
+
+TEST_F(Tool, StoresNothingOfWhatItRefuses) {
+    wrongUse("add customer error 5");
+    wrongUse("add customer error 14 --params '{bus'");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(Tool, SaysThatALogbookDoesNotExistAndMakesNone) {
+    const std::string file = folder / "lgbCustomer.db";
+    EXPECT_EQ(failure("show customer"), "tqzel-logbook: " + file + ": there is no such logbook\n");
+    EXPECT_EQ(failure("clear customer --yes"), "tqzel-logbook: " + file + ": there is no such logbook\n");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(Tool, RefusesAForeignFileAndLeavesItAlone) {
+    const std::string file = folder / "lgbCustomer.db";
+    support::write(file, "Dear diary");
+    EXPECT_EQ(failure("show customer"), "tqzel-logbook: " + file + ": file is not a database\n");
+    EXPECT_EQ(failure("add customer info 20"), "tqzel-logbook: " + file + ": file is not a database\n");
+    EXPECT_EQ(support::contentOf(file), "Dear diary");
+}
+
+TEST_F(Tool, NamesAFolderThatCanNotBeMade) {
+    EXPECT_EQ(failure("add customer info 20 --folder /proc/logbooks"),
+              "tqzel-logbook: /proc/logbooks: can't make the folder: No such file or directory\n");
+}
+
+TEST_F(Tool, FailsWhenItsOutputIsLost) {
+    add("customer info 20");
+    EXPECT_EQ(
+        support::run("TQZEL_LOGBOOK_DIR='" + folder.path().string() + "' " + TQZEL_TOOL + " show customer >/dev/full")
+            .exitCode,
+        1);
+}
+
+TEST_F(Tool, TellsItsVersionAndItsUse) {
+    EXPECT_EQ(tool("--version").output, "1.0.0\n");
+    EXPECT_EQ(tool("--help").exitCode, 0);
+    EXPECT_THAT(tool("--help").output, testing::HasSubstr("Show a logbook in words, newest entry first"));
+    EXPECT_THAT(tool("add --help").output, testing::HasSubstr("--bus NUMBER"));
+}
+
+}  // namespace

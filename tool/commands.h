@@ -1,0 +1,15 @@
+#pragma once
+
+#include "logbooks.h"
+
+#include <CLI/CLI.hpp>
+
+/// The commands of the tool: each declares its arguments in a subcommand of its own, which works when it was chosen.
+/// Wrong use throws a CLI::ParseError, a failure any other exception.
+namespace tool {
+
+void declareAdd(CLI::App& app, Selection& selection);
+void declareShow(CLI::App& app, Selection& selection);
+void declareClear(CLI::App& app, Selection& selection);
+
+}  // namespace tool

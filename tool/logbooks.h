@@ -1,0 +1,33 @@
+#pragma once
+
+#include <lgb/ILogbook.h>
+#include <lgb/ZelLogbook.h>
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace tool {
+
+/// What every command is told: where the logbooks are, and which of the two is meant.
+struct Selection {
+    std::filesystem::path folder;  ///< empty: the standalone platform's default
+    std::string logbook;           ///< "customer" or "service"
+};
+
+/// Declares the argument that names a logbook.
+void declareLogbook(CLI::App& command, Selection& selection);
+
+/// Opens both logbooks, making what is missing.
+/// @throws standalone::DatabaseError
+std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection);
+
+/// Opens both logbooks for a command that works on what is there.
+/// @throws standalone::DatabaseError, also when the one selected does not exist
+std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection);
+
+lgb::ILogbook& selected(lgb::ZelLogbook& logbooks, const Selection& selection);
+
+}  // namespace tool
