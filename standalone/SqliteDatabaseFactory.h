@@ -22,8 +22,8 @@ TQZEL_STANDALONE_EXPORT std::filesystem::path logbookFile(const std::filesystem:
 /// processes may use the same folder; a lock is waited for up to 5 s.
 class TQZEL_STANDALONE_EXPORT SqliteDatabaseFactory : public lgb::DatabaseFactory {
 public:
-    /// @param folder made when missing, at the first `create`
-    explicit SqliteDatabaseFactory(std::filesystem::path folder);
+    /// @param logbooks the folder, made when missing, at the first `create`
+    explicit SqliteDatabaseFactory(std::filesystem::path logbooks);
 
     /// Newest record first, by order of adding. When `add` returns, the record survives power loss.
     /// @param name the file is <name>.db

@@ -61,7 +61,7 @@ void requireWords(const Event& event, const LogbookEntry& entry) {
 /// Refuses an entry of the first generation whose parameters do not hold its message.
 void requireMessage(LogbookEntry entry) {
     if (!lgb::DescriptionCreator().create(entry)) {
-        throw CLI::ValidationError("--params", "an entry of generation Kestrel needs \"typeProduct\" and \"text\"");
+        throw CLI::ValidationError("--params", R"(an entry of generation Kestrel needs "typeProduct" and "text")");
     }
 }
 

@@ -15,17 +15,7 @@ int complain(const std::exception& exception, int exitCode) {
     return exitCode;
 }
 
-void run(CLI::App& app, int argc, char** argv) {
-    app.parse(argc, argv);
-    std::cout.flush();
-    if (!std::cout) {
-        throw std::runtime_error("can't write to standard output");
-    }
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     CLI::App app("Records and shows the logbooks of a device.", "tqzel-logbook");
     tool::Selection selection;
     app.set_version_flag("--version", TQZEL_VERSION);
@@ -37,10 +27,22 @@ int main(int argc, char** argv) {
     tool::declareShow(app, selection);
     tool::declareClear(app, selection);
     try {
-        run(app, argc, argv);
-        return 0;
+        app.parse(argc, argv);
     } catch (const CLI::Success& helpOrVersion) {
-        return app.exit(helpOrVersion);
+        app.exit(helpOrVersion);
+    }
+    std::cout.flush();
+    if (!std::cout) {
+        throw std::runtime_error("can't write to standard output");
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
     } catch (const CLI::ParseError& error) {
         return complain(error, wrongUse);
     } catch (const std::exception& exception) {

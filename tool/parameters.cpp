@@ -121,7 +121,7 @@ std::string recordText(const Parameters& parameters) {
         throw CLI::ValidationError("--params", exception.what());
     }
     if (!record.isObject() && !record.isNull()) {
-        throw CLI::ValidationError("--params", "expected a JSON object such as {\"bus\":1,\"module\":3}");
+        throw CLI::ValidationError("--params", R"(expected a JSON object such as {"bus":1,"module":3})");
     }
     for (const std::string& key : parameters.members.getMemberNames()) {
         record[key] = parameters.members[key];

@@ -12,11 +12,11 @@ namespace lgb {
 /// The entry that application code builds from a code: of generation Heron, unit and device -1 (none).
 struct TQZEL_EXPORT Entry : tqbase2::nsa::zel::structs::LogbookEntry {
     /// A coded message without parameters.
-    Entry(const code::Code& code);
+    Entry(const code::Code& message);
 
     /// A coded message with its parameter record or, for a code of id 0, a free-text entry.
     /// @param text becomes `details.params` (see lgb/params.h), or `description` when the id is 0
-    Entry(const code::Code& code, const std::string& text);
+    Entry(const code::Code& message, const std::string& text);
 };
 
 /// Whether the entry has no code and belongs in the service logbook alone. Tests the low 32 bits of the code, the

@@ -13,9 +13,9 @@ namespace lgb {
 /// A logbook over a platform database.
 class TQZEL_EXPORT Logbook : public ILogbook {
 public:
-    /// @param database must outlive the logbook
+    /// @param storage must outlive the logbook
     /// @param service whether to describe entries as the service logbook does, service-only ones and details included
-    Logbook(IDatabase& database, bool service);
+    Logbook(IDatabase& storage, bool service);
     ~Logbook() override;
 
     void add(const tqbase2::nsa::zel::logbook::Entry& entry) override;

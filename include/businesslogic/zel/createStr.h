@@ -13,7 +13,7 @@ template <typename... Args>
 std::string createStr(Args&&... args) {
     std::stringstream stream;
     stream << std::boolalpha;
-    (stream << ... << std::forward<Args>(args));
+    static_cast<void>((stream << ... << std::forward<Args>(args)));
     return stream.str();
 }
 
