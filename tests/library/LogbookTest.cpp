@@ -608,13 +608,20 @@ TEST_F(Logbook, LosesOneEntryToADocumentCutAtAnyLength) {
     }
 }
 
+TEST_F(Logbook, PassesOnFromAnEntryWhatIsNoStdExceptionAndLosesThePage) {
+    storeAll({restarted, restarted});
+    platform().onParse = [] { throw 5; };
+    EXPECT_THROW(customer.fetch(0, 2), int);
+    EXPECT_EQ(logged(3), Lines{});
+}
+
 TEST_F(Logbook, LosesOneEntryToADeepText) {
     const std::string opening = repeated(100000, "[");
     const std::string closing = repeated(100000, "]");
-    expectToCostOneEntry(opening, "Exceeded stackLimit in readValue().");
-    expectToCostOneEntry(opening + closing, "Exceeded stackLimit in readValue().");
-    expectToCostOneEntry(repeated(100000, R"({"details":)"), "Exceeded stackLimit in readValue().");
-    expectToCostOneEntry(R"({"details":)" + opening + closing + "}", "Exceeded stackLimit in readValue().");
+    expectToCostOneEntry(opening, "not JSON");
+    expectToCostOneEntry(opening + closing, "not JSON");
+    expectToCostOneEntry(repeated(100000, R"({"details":)"), "not JSON");
+    expectToCostOneEntry(R"({"details":)" + opening + closing + "}", "not JSON");
 }
 
 TEST_F(Logbook, LosesOneEntryToAHugeText) {

@@ -9,6 +9,7 @@
 #include <json/writer.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 
 namespace recording {
@@ -27,10 +28,10 @@ MemoryDatabase::~MemoryDatabase() {
 std::vector<lgb::DatabaseRecord> MemoryDatabase::fetch(unsigned int offset, unsigned int count) {
     failWhenTold();
     onFetch();
-    const auto size = static_cast<unsigned int>(records.size());
-    const unsigned int first = std::min(offset, size);
-    const unsigned int last = first + std::min(count, size - first);
-    return {records.begin() + first, records.begin() + last};
+    const std::size_t first = std::min<std::size_t>(offset, records.size());
+    const std::size_t length = std::min<std::size_t>(count, records.size() - first);
+    const auto begin = records.begin() + static_cast<std::ptrdiff_t>(first);
+    return {begin, begin + static_cast<std::ptrdiff_t>(length)};
 }
 
 void MemoryDatabase::add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
@@ -100,6 +101,7 @@ std::string system::JsonUtility::toJsonString(const Json::Value& value) {
 
 Json::Value system::JsonUtility::toJsonValue(std::string_view text) {
     ++platform().jsonTextsParsed;
+    platform().onParse();
     if (text.empty() && platform().emptyTextIsNull) {
         return {};
     }
@@ -108,10 +110,13 @@ Json::Value system::JsonUtility::toJsonValue(std::string_view text) {
     builder["strictRoot"] = false;
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value value;
-    if (!reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) {
-        throw recording::JsonError();
+    try {
+        if (reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) {
+            return value;
+        }
+    } catch (const Json::Exception&) {  // nested too deeply
     }
-    return value;
+    throw recording::JsonError();
 }
 
 Json::Value cia::StringConverter::fromValToJsonValue(const std::string& value) {
@@ -122,8 +127,8 @@ std::string cia::StringConverter::fromJsonToVal(const Json::Value& value) {
     return value.asString();
 }
 
-bool system::log::detail::isEnabled(unsigned int level, const char*) {
-    return level >= platform().lowestLevel;
+bool system::log::detail::isEnabled(unsigned int level, const char* channel) {
+    return level >= platform().lowestLevel && channel == std::string_view("libTqZelLogbook");
 }
 
 void system::log::detail::log(unsigned int level, const char* channel, const std::string& message) {

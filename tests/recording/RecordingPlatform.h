@@ -30,6 +30,7 @@ struct Platform {
 
     bool emptyTextIsNull = false;  ///< else the JSON parser rejects it, as it rejects all that is not JSON
     int jsonTextsParsed = 0;
+    std::function<void()> onParse = [] {};
     int jsonTextsWritten = 0;
     int errorMessagesExtracted = 0;
 

@@ -57,7 +57,7 @@ TEST(Clock, TellsTheTimeInNumbersAndInWords) {
     EXPECT_GE(now.nanoseconds, 0);
     EXPECT_LE(now.nanoseconds, 999999999);
 
-    const std::time_t local = now.seconds + 19800;  // 5 h 30 min east
+    const auto local = static_cast<std::time_t>(now.seconds + 19800);  // 5 h 30 min east
     char expected[32];
     std::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S +0530", std::gmtime(&local));
     EXPECT_EQ(now.text, expected);

@@ -152,7 +152,7 @@ TEST_F(SqliteDatabase, OfCapacity500Keeps500OutOf20000InAFileThatStopsGrowing) {
         const auto logSize = std::filesystem::file_size(file.string() + "-wal");
         addNumbers(*database, 5001, 20000);
         EXPECT_EQ(std::filesystem::file_size(file), size);
-        constexpr std::uintmax_t oneTransaction = 4 * 4096;
+        constexpr std::uintmax_t oneTransaction = 4 * std::uintmax_t{4096};
         EXPECT_LE(std::filesystem::file_size(file.string() + "-wal"), logSize + oneTransaction);
         EXPECT_EQ(database->count(), 500u);
     }
@@ -173,7 +173,9 @@ TEST_F(SqliteDatabase, KeepsWhatWasAddedWhenTheWriterIsKilled) {
         const auto database = open();
         for (int number = 1;; ++number) {
             add(*database, std::to_string(number));
-            (void)!write(acknowledged[1], "x", 1);
+            if (write(acknowledged[1], "x", 1) != 1) {
+                _exit(1);
+            }
         }
     }
     char byte = 0;
