@@ -80,7 +80,7 @@ struct Noted final : Base {
     Noted(const Noted&) = delete;
     Noted& operator=(const Noted&) = delete;
 
-    ~Noted() { ++ended; }
+    ~Noted() override { ++ended; }
 
     static void operator delete(void*) { ++freed; }
 };
