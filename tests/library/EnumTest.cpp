@@ -17,6 +17,7 @@
 #include <exception>
 #include <functional>
 #include <limits>
+#include <regex>
 #include <sstream>
 #include <type_traits>
 
@@ -116,12 +117,11 @@ struct Origin {
     std::string what;
 };
 
-/// Compilers differ in the blank before a reference.
-std::string withoutBlankBeforeReference(std::string text) {
-    for (auto at = text.find(" &"); at != std::string::npos; at = text.find(" &")) {
-        text.erase(at, 1);
-    }
-    return text;
+/// A signature as GCC writes it. Clang sets a blank before a reference and qualifies the type of a parameter.
+std::string asGccWritesIt(const std::string& signature) {
+    const std::string withoutBlank = std::regex_replace(signature, std::regex(" &"), "&");
+    return std::regex_replace(withoutBlank, std::regex(R"(\(const tqbase2::nsa::zel::enums::\w+Converter::type&\))"),
+                              "(const type&)");
 }
 
 Origin originOf(const std::function<void()>& failing) {
@@ -137,7 +137,7 @@ Origin originOf(const std::function<void()>& failing) {
             ADD_FAILURE() << "file, function or line is missing";
             return origin;
         }
-        origin = {*file, withoutBlankBeforeReference(*function), *line, e.what()};
+        origin = {*file, asGccWritesIt(*function), *line, e.what()};
     }
     return origin;
 }
