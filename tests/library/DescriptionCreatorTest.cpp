@@ -1,4 +1,4 @@
-#include "LibraryTest.h"
+#include "DescriptionTest.h"
 
 #include <lgb/DescriptionCreator.h>
 #include <nsa/zel/converter/zel/enums/TypeProductConverter.h>
@@ -14,56 +14,7 @@ using enums::TypeProduct;
 using enums::TypeProductConverter;
 using TypeProductReader = LibraryTest;
 
-/// A coded entry of the current generation that concerns no unit and no device.
-LogbookEntry codedEntry(const Code& code, const std::string& params = "") {
-    LogbookEntry entry;
-    entry.type = code.type();
-    entry.code = code.id();
-    entry.details = {-1, -1, params, Generation::Heron};
-    return entry;
-}
-
-/// An entry of the first generation that concerns no unit and no device.
-LogbookEntry kestrelEntry(const std::string& params) {
-    LogbookEntry entry;
-    entry.code = 282;
-    entry.type = LogbookEntryType::Error;
-    entry.details = {-1, -1, params, Generation::Kestrel};
-    return entry;
-}
-
-LogbookEntry on(std::int64_t device, std::int64_t unit, LogbookEntry entry) {
-    entry.details.device = device;
-    entry.details.unit = unit;
-    return entry;
-}
-
-class DescriptionCreator : public LibraryTest {
-protected:
-    /// What the entry is described as when it is to be shown.
-    std::string shown(LogbookEntry entry) {
-        EXPECT_TRUE(creator.create(entry));
-        return entry.description;
-    }
-
-    /// What is left in an entry that is not to be shown.
-    std::string dropped(LogbookEntry entry) {
-        EXPECT_FALSE(creator.create(entry));
-        return entry.description;
-    }
-
-    /// All that was logged, in its order: the level, a blank and the message.
-    static Lines everythingLogged() {
-        Lines lines;
-        for (const recording::LogLine& line : platform().log) {
-            EXPECT_EQ(line.channel, "libTqZelLogbook");
-            lines.push_back(std::to_string(line.level) + ' ' + line.message);
-        }
-        return lines;
-    }
-
-    lgb::DescriptionCreator creator;
-};
+using DescriptionCreator = DescriptionTest<lgb::DescriptionCreator>;
 
 TEST_F(DescriptionCreator, OfAnInfoWithoutUnitAndDeviceIsMessageAndFullStop) {
     EXPECT_EQ(shown(codedEntry(info(20))), "System restarted.");

@@ -1,10 +1,9 @@
 #include "LibraryTest.h"
+#include "MessageRows.h"
 
 #include <lgb/ErrorTextCreator.h>
 
 #include <json/value.h>
-
-#include <set>
 
 namespace librarytest {
 
@@ -13,19 +12,6 @@ namespace {
 using ErrorTextCreator = LibraryTest;
 using SystemBusErrorMsg = LibraryTest;
 using InvalidConfig = LibraryTest;
-
-struct Row {
-    unsigned int id;
-    const char* text;
-};
-
-struct MemberRow {
-    unsigned int id;
-    const char* text;         ///< for everyMember
-    const char* ofNoMembers;  ///< for {}
-};
-
-const std::string module3Bus1 = R"({"bus":1,"module":3})";
 
 const std::string everyMember = R"({"bus":1,"module":3,"group":4,"on":true,"value":"7","type":"X","version":"2.1",)"
                                 R"("watt":true,"outputMode":"Power","operatingClass":"A","role":"device","nr":2})";
@@ -111,62 +97,15 @@ const std::vector<MemberRow> textsWithOtherMembers{
     {312, "All VDDs out of range for all amplifiers of RF-Path 5",     "All VDDs out of range for all amplifiers of RF-Path 1"},
 };
 
-const std::vector<Row> textsSharedWithWarnings{
-    {  1, "Too high temperature for amplifier 3 on bus 1"},
-    {  6, "Too low current for amplifier 3 on bus 1"},
-    {  7, "-5V out of range for amplifier 3 on bus 1"},
-    { 12, "Setting to Operate 0 failed for amplifier 3 on bus 1"},
-    { 14, "Setting attenuation failed for amplifier 3 on bus 1"},
-    { 44, "Setting current failed for amplifier 3 on bus 1"},
-    { 63, "Too low driver current for amplifier 3 on bus 1"},
-    {202, "VDD out of range for amplifier 3 on bus 1"},
-    {204, "Too low pre driver current for amplifier 3 on bus 1"},
-    {210, "Setting vGateHmc994 failed for amplifier 3 on bus 1"},
-    {214, "6V-Switched out of range for amplifier 3 on bus 1"},
-    {215, "VDD_1 out of range for amplifier 3 on bus 1"},
-    {216, "VDD_2 out of range for amplifier 3 on bus 1"},
-    {217, "Unexpected VDD for amplifier 3 on bus 1"},
-    {225, "VD_DRV out of range for amplifier 3 on bus 1"},
-    {226, "VD_PRE_DRV out of range for amplifier 3 on bus 1"},
-    {227, "Setting POTI 0 failed for power detector 3 on bus 1"},
-    {228, "Setting POTI 1 failed for power detector 3 on bus 1"},
-    {235, "Gate current out of range for amplifier 3 on bus 1"},
-    {285, "-6V out of range for amplifier 3 on bus 1"},
-    {287, "+5V out of range for amplifier 3 on bus 1"},
-    {288, "VDD_PRE_10V_MON out of range for amplifier 3 on bus 1"},
-    {289, "VDD_PRE_15V_MON out of range for amplifier 3 on bus 1"},
-    {293, "Setting ZERO_GATE failed for power detector 3 on bus 1"},
-    {294, "-3.5V out of range failed for power detector 3 on bus 1"},
-    {295, "Unexpected VDD_SW_MON for amplifier 3 on bus 1"},
-    {296, "VDD_SW_MON out of range failed for power detector 3 on bus 1"},
-    {302, "VDD_MON out of range for amplifier 3 on bus 1"},
-};
-
 // clang-format on
 
 std::string text(unsigned int id, const std::string& params) {
     return lgb::ErrorTextCreator().create(error(id), params);
 }
 
-template <typename Rows>
-void addIds(const Rows& rows, std::set<unsigned int>& ids) {
-    for (const auto& row : rows) {
-        ids.insert(row.id);
-    }
-}
-
-std::set<unsigned int> fixedIds() {
-    std::set<unsigned int> ids;
-    addIds(fixedTexts, ids);
-    return ids;
-}
-
 std::set<unsigned int> knownIds() {
-    std::set<unsigned int> ids = fixedIds();
-    addIds(textsWithPlace, ids);
-    addIds(textsWithOtherMembers, ids);
-    addIds(textsSharedWithWarnings, ids);
-    return ids;
+    return joined(joined(idsOf(fixedTexts), idsOf(textsWithPlace)),
+                  joined(idsOf(textsWithOtherMembers), idsOf(sharedTexts)));
 }
 
 TEST_F(ErrorTextCreator, GivesFixedTexts) {
@@ -193,18 +132,9 @@ TEST_F(ErrorTextCreator, ReadsMissingMembersAsZeroOrEmpty) {
     }
 }
 
-TEST_F(ErrorTextCreator, GivesTheTextsSharedWithWarnings) {
-    for (const Row& row : textsSharedWithWarnings) {
-        EXPECT_EQ(text(row.id, module3Bus1), row.text) << row.id;
-    }
-}
-
 TEST_F(ErrorTextCreator, KnowsNoOtherIds) {
-    const std::set<unsigned int> known = knownIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (known.count(id) == 0) {
-            EXPECT_EQ(text(id, everyMember), "unknown entry") << id;
-        }
+    for (const unsigned int id : idsBesides(knownIds())) {
+        EXPECT_EQ(text(id, everyMember), "unknown entry") << id;
     }
     EXPECT_EQ(text(4294967295, everyMember), "unknown entry");
 }
@@ -321,33 +251,24 @@ TEST_F(ErrorTextCreator, GivesFixedTextsWithoutParsing) {
 }
 
 TEST_F(ErrorTextCreator, FailsOnUnreadableParametersForEveryIdThatIsNotFixed) {
-    const std::set<unsigned int> fixed = fixedIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (fixed.count(id) == 0) {
-            EXPECT_THROW(text(id, "nonsense"), recording::JsonError) << id;
-            EXPECT_THROW(text(id, ""), recording::JsonError) << id;
-        }
+    for (const unsigned int id : idsBesides(idsOf(fixedTexts))) {
+        EXPECT_THROW(text(id, "nonsense"), recording::JsonError) << id;
+        EXPECT_THROW(text(id, ""), recording::JsonError) << id;
     }
 }
 
 TEST_F(ErrorTextCreator, ParsesOnceForEveryIdThatIsNotFixed) {
-    const std::set<unsigned int> fixed = fixedIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (fixed.count(id) == 0) {
-            platform().jsonTextsParsed = 0;
-            text(id, everyMember);
-            EXPECT_EQ(platform().jsonTextsParsed, 1) << id;
-        }
+    for (const unsigned int id : idsBesides(idsOf(fixedTexts))) {
+        platform().jsonTextsParsed = 0;
+        text(id, everyMember);
+        EXPECT_EQ(platform().jsonTextsParsed, 1) << id;
     }
 }
 
 TEST_F(ErrorTextCreator, FailsOnMembersOfAnotherJsonTypeForEveryIdThatIsNotFixed) {
-    const std::set<unsigned int> fixed = fixedIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (fixed.count(id) == 0) {
-            EXPECT_THROW(text(id, allUnreadable), Json::LogicError) << id;
-            EXPECT_THROW(text(id, "[1]"), Json::LogicError) << id;
-        }
+    for (const unsigned int id : idsBesides(idsOf(fixedTexts))) {
+        EXPECT_THROW(text(id, allUnreadable), Json::LogicError) << id;
+        EXPECT_THROW(text(id, "[1]"), Json::LogicError) << id;
     }
 }
 

@@ -1,10 +1,9 @@
 #include "LibraryTest.h"
+#include "MessageRows.h"
 
 #include <lgb/InfoTextCreator.h>
 
 #include <json/value.h>
-
-#include <set>
 
 namespace librarytest {
 
@@ -14,17 +13,6 @@ using InfoTextCreator = LibraryTest;
 using Interlock = LibraryTest;
 using OutputModeText = LibraryTest;
 using OperatingClassText = LibraryTest;
-
-struct Row {
-    unsigned int id;
-    const char* text;
-};
-
-struct MemberRow {
-    unsigned int id;
-    const char* text;         ///< for everyMember
-    const char* ofNoMembers;  ///< for {}
-};
 
 const std::string everyMember =
     R"({"interlockMode":"automatic","path":"A","outputMode":"Power","operatingClass":"step3","group":4})";
@@ -64,17 +52,6 @@ std::string text(unsigned int id, const std::string& params) {
     return lgb::InfoTextCreator().create(info(id), params);
 }
 
-std::set<unsigned int> knownIds() {
-    std::set<unsigned int> ids;
-    for (const Row& row : fixedTexts) {
-        ids.insert(row.id);
-    }
-    for (const MemberRow& row : textsWithMembers) {
-        ids.insert(row.id);
-    }
-    return ids;
-}
-
 TEST_F(InfoTextCreator, GivesFixedTexts) {
     for (const Row& row : fixedTexts) {
         EXPECT_EQ(text(row.id, everyMember), row.text) << row.id;
@@ -94,11 +71,8 @@ TEST_F(InfoTextCreator, ReadsMissingMembersAsTheFirstOrEmpty) {
 }
 
 TEST_F(InfoTextCreator, KnowsNoOtherIdsAndReadsNothingForThem) {
-    const std::set<unsigned int> known = knownIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (known.count(id) == 0) {
-            EXPECT_EQ(text(id, "nonsense"), "unknown entry") << id;
-        }
+    for (const unsigned int id : idsBesides(joined(idsOf(fixedTexts), idsOf(textsWithMembers)))) {
+        EXPECT_EQ(text(id, "nonsense"), "unknown entry") << id;
     }
     EXPECT_EQ(text(4294967295, "nonsense"), "unknown entry");
     EXPECT_EQ(platform().jsonTextsParsed, 0);

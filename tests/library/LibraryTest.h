@@ -56,6 +56,16 @@ inline std::vector<std::string> logged(unsigned int level) {
     return messages;
 }
 
+/// All that was logged, in its order: the level, a blank and the message.
+inline std::vector<std::string> everythingLogged() {
+    std::vector<std::string> lines;
+    for (const recording::LogLine& line : platform().log) {
+        EXPECT_EQ(line.channel, "libTqZelLogbook");
+        lines.push_back(std::to_string(line.level) + ' ' + line.message);
+    }
+    return lines;
+}
+
 using Lines = std::vector<std::string>;
 
 }  // namespace librarytest

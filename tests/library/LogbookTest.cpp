@@ -100,16 +100,6 @@ protected:
         return texts;
     }
 
-    /// All that was logged, in its order: the level, a blank and the message.
-    static Lines everythingLogged() {
-        Lines lines;
-        for (const recording::LogLine& line : platform().log) {
-            EXPECT_EQ(line.channel, "libTqZelLogbook");
-            lines.push_back(std::to_string(line.level) + ' ' + line.message);
-        }
-        return lines;
-    }
-
     /// That a record between two good ones costs itself and one line at level 3.
     void expectToCostOneEntry(const std::string& json, const std::string& words) {
         platform().log.clear();

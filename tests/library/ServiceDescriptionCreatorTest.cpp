@@ -1,4 +1,4 @@
-#include "LibraryTest.h"
+#include "DescriptionTest.h"
 
 #include <lgb/ServiceDescriptionCreator.h>
 
@@ -8,15 +8,6 @@ namespace librarytest {
 
 namespace {
 
-/// An entry of the current generation that concerns no unit and no device.
-LogbookEntry codedEntry(const Code& code, const std::string& params = "") {
-    LogbookEntry entry;
-    entry.type = code.type();
-    entry.code = code.id();
-    entry.details = {-1, -1, params, Generation::Heron};
-    return entry;
-}
-
 /// An entry without a code, as it was stored.
 LogbookEntry serviceOnly(const std::string& text) {
     LogbookEntry entry = codedEntry(info(0));
@@ -24,44 +15,7 @@ LogbookEntry serviceOnly(const std::string& text) {
     return entry;
 }
 
-LogbookEntry kestrelEntry(const std::string& params) {
-    LogbookEntry entry = codedEntry(error(282), params);
-    entry.details.generation = Generation::Kestrel;
-    return entry;
-}
-
-LogbookEntry on(std::int64_t device, std::int64_t unit, LogbookEntry entry) {
-    entry.details.device = device;
-    entry.details.unit = unit;
-    return entry;
-}
-
-class ServiceDescriptionCreator : public LibraryTest {
-protected:
-    /// What the entry is described as when it is to be shown.
-    std::string shown(LogbookEntry entry) {
-        EXPECT_TRUE(creator.create(entry));
-        return entry.description;
-    }
-
-    /// What is left in an entry that is not to be shown.
-    std::string dropped(LogbookEntry entry) {
-        EXPECT_FALSE(creator.create(entry));
-        return entry.description;
-    }
-
-    /// All that was logged, in its order: the level, a blank and the message.
-    static Lines everythingLogged() {
-        Lines lines;
-        for (const recording::LogLine& line : platform().log) {
-            EXPECT_EQ(line.channel, "libTqZelLogbook");
-            lines.push_back(std::to_string(line.level) + ' ' + line.message);
-        }
-        return lines;
-    }
-
-    lgb::ServiceDescriptionCreator creator;
-};
+using ServiceDescriptionCreator = DescriptionTest<lgb::ServiceDescriptionCreator>;
 
 TEST_F(ServiceDescriptionCreator, ShowsAnEntryWithoutCodeAsPrefixAndStoredText) {
     EXPECT_EQ(shown(on(2, -1, serviceOnly("Filter cleaned"))), "Device 2: Filter cleaned");

@@ -1,10 +1,9 @@
 #include "LibraryTest.h"
+#include "MessageRows.h"
 
 #include <lgb/WarningTextCreator.h>
 
 #include <json/value.h>
-
-#include <set>
 
 namespace librarytest {
 
@@ -12,13 +11,6 @@ namespace {
 
 using WarningTextCreator = LibraryTest;
 using GetFanText = LibraryTest;
-
-struct Row {
-    unsigned int id;
-    const char* text;
-};
-
-const std::string module3Bus1 = R"({"bus":1,"module":3})";
 
 // clang-format off
 const std::vector<Row> fixedTexts{
@@ -64,37 +56,6 @@ const std::vector<Row> textsWithPlace{
     {304, "+7V out of range for amplifier 3 on bus 1"},
 };
 
-const std::vector<Row> textsSharedWithErrors{
-    {  1, "Too high temperature for amplifier 3 on bus 1"},
-    {  6, "Too low current for amplifier 3 on bus 1 reduced RF Power"},
-    {  7, "-5V out of range for amplifier 3 on bus 1"},
-    { 12, "Setting to Operate 0 failed for amplifier 3 on bus 1"},
-    { 14, "Setting attenuation failed for amplifier 3 on bus 1"},
-    { 44, "Setting current failed for amplifier 3 on bus 1"},
-    { 63, "Too low driver current for amplifier 3 on bus 1 reduced RF Power"},
-    {202, "VDD out of range for amplifier 3 on bus 1 reduced RF Power"},
-    {204, "Too low pre driver current for amplifier 3 on bus 1 reduced RF Power"},
-    {210, "Setting vGateHmc994 failed for amplifier 3 on bus 1"},
-    {214, "6V-Switched out of range for amplifier 3 on bus 1"},
-    {215, "VDD_1 out of range for amplifier 3 on bus 1 reduced RF Power"},
-    {216, "VDD_2 out of range for amplifier 3 on bus 1 reduced RF Power"},
-    {217, "Unexpected VDD for amplifier 3 on bus 1"},
-    {225, "VD_DRV out of range for amplifier 3 on bus 1 reduced RF Power"},
-    {226, "VD_PRE_DRV out of range for amplifier 3 on bus 1 reduced RF Power"},
-    {227, "Setting POTI 0 failed for power detector 3 on bus 1"},
-    {228, "Setting POTI 1 failed for power detector 3 on bus 1"},
-    {235, "Gate current out of range for amplifier 3 on bus 1"},
-    {285, "-6V out of range for amplifier 3 on bus 1"},
-    {286, "+3.5V out of range for amplifier 3 on bus 1"},
-    {287, "+5V out of range for amplifier 3 on bus 1"},
-    {288, "VDD_PRE_10V_MON out of range for amplifier 3 on bus 1"},
-    {289, "VDD_PRE_15V_MON out of range for amplifier 3 on bus 1"},
-    {293, "Setting ZERO_GATE failed for power detector 3 on bus 1"},
-    {294, "-3.5V out of range failed for power detector 3 on bus 1"},
-    {295, "Unexpected VDD_SW_MON for amplifier 3 on bus 1"},
-    {296, "VDD_SW_MON out of range failed for power detector 3 on bus 1"},
-    {302, "VDD_MON out of range for amplifier 3 on bus 1"},
-};
 // clang-format on
 
 constexpr unsigned int fans = 78;
@@ -103,24 +64,8 @@ std::string text(unsigned int id, const std::string& params) {
     return lgb::WarningTextCreator().create(warning(id), params);
 }
 
-void addIds(const std::vector<Row>& rows, std::set<unsigned int>& ids) {
-    for (const Row& row : rows) {
-        ids.insert(row.id);
-    }
-}
-
-std::set<unsigned int> fixedIds() {
-    std::set<unsigned int> ids;
-    addIds(fixedTexts, ids);
-    return ids;
-}
-
 std::set<unsigned int> knownIds() {
-    std::set<unsigned int> ids = fixedIds();
-    ids.insert(fans);
-    addIds(textsWithPlace, ids);
-    addIds(textsSharedWithErrors, ids);
-    return ids;
+    return joined(joined(idsOf(fixedTexts), idsOf(textsWithPlace)), joined({fans}, idsOf(sharedTexts)));
 }
 
 TEST_F(WarningTextCreator, GivesFixedTexts) {
@@ -135,18 +80,9 @@ TEST_F(WarningTextCreator, NamesTheModuleAndItsBus) {
     }
 }
 
-TEST_F(WarningTextCreator, GivesTheTextsSharedWithErrors) {
-    for (const Row& row : textsSharedWithErrors) {
-        EXPECT_EQ(text(row.id, module3Bus1), row.text) << row.id;
-    }
-}
-
 TEST_F(WarningTextCreator, KnowsNoOtherIds) {
-    const std::set<unsigned int> known = knownIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (known.count(id) == 0) {
-            EXPECT_EQ(text(id, module3Bus1), "unknown entry") << id;
-        }
+    for (const unsigned int id : idsBesides(knownIds())) {
+        EXPECT_EQ(text(id, module3Bus1), "unknown entry") << id;
     }
     EXPECT_EQ(text(4294967295, module3Bus1), "unknown entry");
 }
@@ -214,33 +150,24 @@ TEST_F(WarningTextCreator, GivesFixedTextsWithoutParsing) {
 }
 
 TEST_F(WarningTextCreator, FailsOnUnreadableParametersForEveryIdThatIsNotFixed) {
-    const std::set<unsigned int> fixed = fixedIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (fixed.count(id) == 0) {
-            EXPECT_THROW(text(id, "nonsense"), recording::JsonError) << id;
-            EXPECT_THROW(text(id, ""), recording::JsonError) << id;
-        }
+    for (const unsigned int id : idsBesides(idsOf(fixedTexts))) {
+        EXPECT_THROW(text(id, "nonsense"), recording::JsonError) << id;
+        EXPECT_THROW(text(id, ""), recording::JsonError) << id;
     }
 }
 
 TEST_F(WarningTextCreator, ParsesOnceForEveryIdThatIsNotFixed) {
-    const std::set<unsigned int> fixed = fixedIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (fixed.count(id) == 0) {
-            platform().jsonTextsParsed = 0;
-            text(id, module3Bus1);
-            EXPECT_EQ(platform().jsonTextsParsed, 1) << id;
-        }
+    for (const unsigned int id : idsBesides(idsOf(fixedTexts))) {
+        platform().jsonTextsParsed = 0;
+        text(id, module3Bus1);
+        EXPECT_EQ(platform().jsonTextsParsed, 1) << id;
     }
 }
 
 TEST_F(WarningTextCreator, FailsOnMembersOfAnotherJsonTypeForEveryIdThatIsNotFixed) {
-    const std::set<unsigned int> fixed = fixedIds();
-    for (unsigned int id = 0; id <= 330; ++id) {
-        if (fixed.count(id) == 0) {
-            EXPECT_THROW(text(id, R"({"bus":[1],"module":[3],"ok":[true]})"), Json::LogicError) << id;
-            EXPECT_THROW(text(id, "[1]"), Json::LogicError) << id;
-        }
+    for (const unsigned int id : idsBesides(idsOf(fixedTexts))) {
+        EXPECT_THROW(text(id, R"({"bus":[1],"module":[3],"ok":[true]})"), Json::LogicError) << id;
+        EXPECT_THROW(text(id, "[1]"), Json::LogicError) << id;
     }
 }
 
