@@ -2,10 +2,12 @@
 
 #include "validators.h"
 
+#include <lgb/IDatabase.h>
 #include <lgb/LogbookFactory.h>
 #include <standalone/SqliteDatabaseFactory.h>
 #include <standalone/errors.h>
 
+#include <cstdint>
 #include <vector>
 
 namespace tool {
@@ -20,6 +22,39 @@ bool isService(const Selection& selection) {
     return selection.logbook == "service";
 }
 
+const char* databaseName(const Selection& selection) {
+    return isService(selection) ? "lgbService" : "lgbCustomer";
+}
+
+/// In the place of the logbook that was not selected.
+class NoDatabase : public lgb::IDatabase {
+public:
+    std::vector<lgb::DatabaseRecord> fetch(unsigned int, unsigned int) override { return {}; }
+
+    void add(const std::string&, const lgb::timestamp::Timestamp&) override {}
+
+    void clear() override {}
+
+    unsigned int count() override { return 0; }
+};
+
+/// Opens the selected database alone.
+class SelectedDatabaseFactory : public standalone::SqliteDatabaseFactory {
+public:
+    explicit SelectedDatabaseFactory(const Selection& selection)
+        : SqliteDatabaseFactory(folderOf(selection)), selected(databaseName(selection)) {}
+
+    std::unique_ptr<lgb::IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const override {
+        if (selected != name) {
+            return std::make_unique<NoDatabase>();
+        }
+        return SqliteDatabaseFactory::create(name, first, second);
+    }
+
+private:
+    std::string selected;
+};
+
 }  // namespace
 
 void declareLogbook(CLI::App& command, Selection& selection) {
@@ -30,12 +65,11 @@ void declareLogbook(CLI::App& command, Selection& selection) {
 }
 
 std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {
-    return std::make_unique<lgb::ZelLogbook>(standalone::SqliteDatabaseFactory(folderOf(selection)),
-                                             lgb::LogbookFactory());
+    return std::make_unique<lgb::ZelLogbook>(SelectedDatabaseFactory(selection), lgb::LogbookFactory());
 }
 
 std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection) {
-    const auto file = standalone::logbookFile(folderOf(selection), isService(selection) ? "lgbService" : "lgbCustomer");
+    const auto file = standalone::logbookFile(folderOf(selection), databaseName(selection));
     if (!std::filesystem::exists(file)) {
         throw standalone::DatabaseError(file.string() + ": there is no such logbook");
     }

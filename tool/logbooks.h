@@ -20,12 +20,13 @@ struct Selection {
 /// Declares the argument that names a logbook.
 void declareLogbook(CLI::App& command, Selection& selection);
 
-/// Opens both logbooks, making what is missing.
+/// Opens the selected logbook, making it when missing. The other one is neither made nor opened, so that nothing wrong
+/// with it stops the command; do not use it.
 /// @throws standalone::DatabaseError
 std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection);
 
-/// Opens both logbooks for a command that works on what is there.
-/// @throws standalone::DatabaseError, also when the one selected does not exist
+/// The same for a command that works on what is there.
+/// @throws standalone::DatabaseError, also when there is no such logbook
 std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection);
 
 lgb::ILogbook& selected(lgb::ZelLogbook& logbooks, const Selection& selection);

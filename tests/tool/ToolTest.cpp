@@ -90,7 +90,8 @@ TEST_F(Tool, Shows20EntriesUnlessAskedForAll) {
 
 TEST_F(Tool, ShowsAnEmptyLogbookAsItsHeadings) {
     add("customer info 20");
-    EXPECT_EQ(shown("service"), "Time  Type  Description\n");
+    tool("clear customer --yes");
+    EXPECT_EQ(shown("customer"), "Time  Type  Description\n");
 }
 
 TEST_F(Tool, KeepsTheTwoLogbooksApart) {
@@ -244,6 +245,21 @@ TEST_F(Tool, RefusesAForeignFileAndLeavesItAlone) {
     EXPECT_EQ(failure("show customer"), "tqzel-logbook: " + file + ": file is not a database\n");
     EXPECT_EQ(failure("add customer info 20"), "tqzel-logbook: " + file + ": file is not a database\n");
     EXPECT_EQ(support::contentOf(file), "Dear diary");
+}
+
+TEST_F(Tool, WorksOnOneLogbookWhateverIsWrongWithTheOther) {
+    support::write(folder / "lgbService.db", "Dear diary");
+    add("customer info 20");
+    EXPECT_EQ(shown("customer"),
+              "Time                       Type  Description\n"
+              "TIME  Info  System restarted.\n");
+}
+
+TEST_F(Tool, MakesNoOtherLogbookThanTheOneItWorksOn) {
+    add("customer info 20");
+    EXPECT_FALSE(std::filesystem::exists(folder / "lgbService.db"));
+    EXPECT_EQ(failure("show service"),
+              "tqzel-logbook: " + (folder / "lgbService.db").string() + ": there is no such logbook\n");
 }
 
 TEST_F(Tool, NamesAFolderThatCanNotBeMade) {
