@@ -109,7 +109,8 @@ void declareAdd(CLI::App& app, Selection& selection) {
     command.add_option("id", event->id, "Which message")
         ->type_name("NUMBER")
         ->check(between<std::uint32_t>(1, std::numeric_limits<std::uint32_t>::max()));
-    const auto isNumber = between<std::int64_t>(0, std::numeric_limits<std::int64_t>::max());
+    // As far as numbers are shown; reading a longer one would silently end at the largest.
+    const auto isNumber = between<std::int64_t>(0, std::numeric_limits<std::int32_t>::max());
     command.add_option("--unit", event->unit, "Unit concerned")->type_name("NUMBER")->check(isNumber);
     command.add_option("--device", event->device, "Device concerned")->type_name("NUMBER")->check(isNumber);
     CLI::Option* const generation =
