@@ -1,14 +1,24 @@
 #include "Message.h"
 
+#include "ParameterRecord.h"
+
 namespace lgb {
 
-std::string compose(const Message& message, const ParameterRecord& params) {
-    std::string text(message.words);
-    if (message.fragment != nullptr) {
-        text += message.fragment(params);
+std::string compose(std::string_view words, const ParameterRecord& params) {
+    std::string text;
+    for (std::size_t open = words.find('{'); open != std::string_view::npos; open = words.find('{')) {
+        const std::size_t close = words.find('}', open);
+        const Place& place = *findPlace(words.substr(open + 1, close - open - 1));
+        text += words.substr(0, open);
+        text += place.shown(params[place.key]);
+        words.remove_prefix(close + 1);
     }
-    text += message.ending;
+    text += words;
     return text;
+}
+
+std::string compose(std::string_view words, const std::string& params) {
+    return compose(words, ParameterRecord(params));
 }
 
 }  // namespace lgb

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "places.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -9,28 +11,51 @@ namespace lgb {
 
 class ParameterRecord;
 
-/// A part of a message that the parameter record fills in.
-using Fragment = std::string (*)(const ParameterRecord& params);
-
-/// One message: its words, then a fragment, then more words.
+/// One message: its words as they are shown, with the names of places where the parameter record fills them in:
+/// "Connecting amplifier {module} on bus {bus} failed".
 struct Message {
     unsigned int id;
-    std::string_view words;
-    Fragment fragment = nullptr;
-    std::string_view ending = {};
+    const char* words;
 };
 
 /// What everybody answers for an id without a message.
 inline constexpr const char* unknownEntry = "unknown entry";
 
-/// Puts one row into words.
-std::string compose(const Message& message, const ParameterRecord& params);
+/// Puts words with places into a text.
+/// @param words with places that there are
+/// @throws what a place throws that can't be filled in; the first from the left
+std::string compose(std::string_view words, const ParameterRecord& params);
+
+/// The same over the text of a parameter record.
+std::string compose(std::string_view words, const std::string& params);
 
 /// Whether a message table can be searched: one row an id, ids ascending.
 template <typename Row, std::size_t Count>
 constexpr bool idsAscend(const Row (&rows)[Count]) {
     for (std::size_t i = 1; i < Count; ++i) {
         if (rows[i - 1].id >= rows[i].id) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Whether each brace of some words opens or closes the name of a place.
+constexpr bool placesAreKnown(std::string_view words) {
+    const std::size_t open = words.find('{');
+    if (open == std::string_view::npos) {
+        return words.find('}') == std::string_view::npos;
+    }
+    const std::size_t close = words.find('}');
+    return close != std::string_view::npos && close > open &&
+           findPlace(words.substr(open + 1, close - open - 1)) != nullptr && placesAreKnown(words.substr(close + 1));
+}
+
+/// Whether all places of a message table are known.
+template <typename Row, std::size_t Count>
+constexpr bool placesAreKnown(const Row (&rows)[Count]) {
+    for (const Row& row : rows) {
+        if (!placesAreKnown(std::string_view(row.words))) {
             return false;
         }
     }

@@ -1,5 +1,5 @@
 #include "Message.h"
-#include "fragments.h"
+#include "ParameterRecord.h"
 #include "texts.h"
 
 #include <lgb/WarningTextCreator.h>
@@ -8,40 +8,35 @@ namespace lgb {
 
 namespace {
 
-using namespace commontexts;
-
-std::string defectiveFan(const ParameterRecord& params) {
-    const std::string defective = params.shown(Place::DefectiveFan);
-    return "Detected defective fan " + defective + " (with fan " + params.shown(Place::WorkingFan) + " ok)";
-}
+constexpr const char* defectiveFan = "Detected defective fan {defectiveFan} (with fan {workingFan} ok)";
 
 // clang-format off
 constexpr Message messages[] = {
     { 19, "RF can not be activated with open Interlock"},
     { 23, "Mute can not be activated without option Y542"},
-    { 70, "High input level ",                                 ForAmp},
-    { 78, "",                                                  defectiveFan},
-    { 97, "Gate current out of range ",                        ForAmp},
+    { 70, "High input level for amplifier {module} on bus {bus}"},
+    { 78, defectiveFan},
+    { 97, "Gate current out of range for amplifier {module} on bus {bus}"},
 
     {102, "Bias-Curr.-Cal. can not run with open Interlock"},
     {103, "Bias-Curr.-Cal. can not run while RF is on"},
     {104, "Bias-Curr.-Cal. can not run while Self-Test runs"},
 
-    {218, "Unexpected VDD_1 ",                                 ForAmp},
-    {219, "Unexpected VDD_2 ",                                 ForAmp},
-    {220, "Unexpected VDD_1 ",                                 ForAmp},
-    {221, "Unexpected VDD_2 ",                                 ForAmp},
-    {222, "Gate current out of range ",                        ForAmp},
-    {223, "Voltage drop for drain switch (VDD_1) ",            ForAmp},
-    {224, "Voltage drop for drain switch (VDD_2) ",            ForAmp},
-    {231, "3V6 out of range ",                                 ForAmp},
-    {232, "5V25 out of range ",                                ForAmp},
-    {233, "6V_INT out of range ",                              ForAmp},
-    {234, "-5V out of range ",                                 ForAmp},
-    {240, "3V3_REF out of range ",                             ForPd},
-    {241, "3V6_INT out of range ",                             ForPd},
-    {242, "5V_REF out of range ",                              ForPd},
-    {243, "6V out of range ",                                  ForPd},
+    {218, "Unexpected VDD_1 for amplifier {module} on bus {bus}"},
+    {219, "Unexpected VDD_2 for amplifier {module} on bus {bus}"},
+    {220, "Unexpected VDD_1 for amplifier {module} on bus {bus}"},
+    {221, "Unexpected VDD_2 for amplifier {module} on bus {bus}"},
+    {222, "Gate current out of range for amplifier {module} on bus {bus}"},
+    {223, "Voltage drop for drain switch (VDD_1) for amplifier {module} on bus {bus}"},
+    {224, "Voltage drop for drain switch (VDD_2) for amplifier {module} on bus {bus}"},
+    {231, "3V6 out of range for amplifier {module} on bus {bus}"},
+    {232, "5V25 out of range for amplifier {module} on bus {bus}"},
+    {233, "6V_INT out of range for amplifier {module} on bus {bus}"},
+    {234, "-5V out of range for amplifier {module} on bus {bus}"},
+    {240, "3V3_REF out of range for power detector {module} on bus {bus}"},
+    {241, "3V6_INT out of range for power detector {module} on bus {bus}"},
+    {242, "5V_REF out of range for power detector {module} on bus {bus}"},
+    {243, "6V out of range for power detector {module} on bus {bus}"},
     {250, "ACB 5V out of range"},
     {251, "ACB 5V_FPGA out of range"},
     {252, "ACB 3V5 out of range"},
@@ -50,24 +45,25 @@ constexpr Message messages[] = {
     {255, "ACB 1V8_PL out of range"},
     {256, "ACB -6V out of range"},
     {257, "Too high internal temperature of ACB"},
-    {284, "Setting regulated voltage limit  ",                 FailedForAmp},
-    {290, "Setting limit PRE_ODR_REF ",                        FailedForAmp},
-    {291, "Setting temperature limit ",                        FailedForAmp},
-    {298, "Voltage drop for drain switch (VDD_SW_MON) ",       ForAmp},
+    {284, "Setting regulated voltage limit  failed for amplifier {module} on bus {bus}"},
+    {290, "Setting limit PRE_ODR_REF failed for amplifier {module} on bus {bus}"},
+    {291, "Setting temperature limit failed for amplifier {module} on bus {bus}"},
+    {298, "Voltage drop for drain switch (VDD_SW_MON) for amplifier {module} on bus {bus}"},
 
-    {300, "-6V-ACB out of range ",                             ForAmp},
-    {303, "+6V-ACB out of range ",                             ForAmp},
-    {304, "+7V out of range ",                                 ForAmp},
+    {300, "-6V-ACB out of range for amplifier {module} on bus {bus}"},
+    {303, "+6V-ACB out of range for amplifier {module} on bus {bus}"},
+    {304, "+7V out of range for amplifier {module} on bus {bus}"},
 };
 // clang-format on
 
 static_assert(idsAscend(messages), "one row an id, ids ascending");
+static_assert(placesAreKnown(messages), "places that there are");
 
 }  // namespace
 
 std::string warningText(const code::Code& code, const ParameterRecord& params) {
     const Message* const message = find(messages, code.id());
-    return message != nullptr ? compose(*message, params) : errorWarningText(code, params);
+    return message != nullptr ? compose(message->words, params) : errorWarningText(code, params);
 }
 
 WarningTextCreator::~WarningTextCreator() = default;
@@ -77,7 +73,7 @@ std::string WarningTextCreator::create(const code::Code& code, const std::string
 }
 
 std::string getFanText(const std::string& params) {
-    return defectiveFan(ParameterRecord(params));
+    return compose(defectiveFan, params);
 }
 
 }  // namespace lgb

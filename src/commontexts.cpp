@@ -1,4 +1,4 @@
-#include "fragments.h"
+#include "Message.h"
 
 #include <lgb/commontexts.h>
 
@@ -10,65 +10,16 @@ const char* const forAmpStr = "for amplifier";
 const char* const forPabStr = "for power supply";
 const char* const rfPathStr = "RF-Path";
 
-namespace {
-
-std::string located(const char* what, const ParameterRecord& params) {
-    return std::string(what) + ' ' + ModuleOnBus(params);
-}
-
-std::string failedPlace(const std::string& place) {
-    return std::string(failedStr) + ' ' + place;
-}
-
-}  // namespace
-
-std::string OnOff(const ParameterRecord& params) {
-    return params.shown(Place::OnOff);
-}
-
-std::string GroupNrExtern(const ParameterRecord& params) {
-    return params.shown(Place::GroupNr);
-}
-
-std::string ModuleOnBus(const ParameterRecord& params) {
-    const std::string module = params.shown(Place::Module);
-    return module + " on bus " + params.shown(Place::Bus);
-}
-
-std::string ForPd(const ParameterRecord& params) {
-    return located(forPdStr, params);
-}
-
-std::string FailedForPd(const ParameterRecord& params) {
-    return failedPlace(ForPd(params));
-}
-
-std::string ForAmp(const ParameterRecord& params) {
-    return located(forAmpStr, params);
-}
-
-std::string FailedForAmp(const ParameterRecord& params) {
-    return failedPlace(ForAmp(params));
-}
-
-std::string ForPab(const ParameterRecord& params) {
-    return located(forPabStr, params);
-}
-
-std::string FailedForPab(const ParameterRecord& params) {
-    return failedPlace(ForPab(params));
-}
-
 std::string OnOff(const std::string& params) {
-    return OnOff(ParameterRecord(params));
+    return compose("{onOff}", params);
 }
 
 std::string GroupNrExtern(const std::string& params) {
-    return GroupNrExtern(ParameterRecord(params));
+    return compose("{group}", params);
 }
 
 std::string Reduced(tqbase2::nsa::zel::enums::LogbookEntryType type) {
-    return type == tqbase2::nsa::zel::enums::LogbookEntryType::Warning ? reduced : "";
+    return type == tqbase2::nsa::zel::enums::LogbookEntryType::Warning ? " reduced RF Power" : "";
 }
 
 std::string OutOfR(const std::string& what) {
@@ -84,31 +35,31 @@ std::string Setting(const std::string& what) {
 }
 
 std::string ModuleOnBus(const std::string& params) {
-    return ModuleOnBus(ParameterRecord(params));
+    return compose("{module} on bus {bus}", params);
 }
 
 std::string ForPd(const std::string& params) {
-    return ForPd(ParameterRecord(params));
+    return compose("for power detector {module} on bus {bus}", params);
 }
 
 std::string FailedForPd(const std::string& params) {
-    return FailedForPd(ParameterRecord(params));
+    return compose("failed for power detector {module} on bus {bus}", params);
 }
 
 std::string ForAmp(const std::string& params) {
-    return ForAmp(ParameterRecord(params));
+    return compose("for amplifier {module} on bus {bus}", params);
 }
 
 std::string FailedForAmp(const std::string& params) {
-    return FailedForAmp(ParameterRecord(params));
+    return compose("failed for amplifier {module} on bus {bus}", params);
 }
 
 std::string ForPab(const std::string& params) {
-    return ForPab(ParameterRecord(params));
+    return compose("for power supply {module} on bus {bus}", params);
 }
 
 std::string FailedForPab(const std::string& params) {
-    return FailedForPab(ParameterRecord(params));
+    return compose("failed for power supply {module} on bus {bus}", params);
 }
 
 }  // namespace lgb::commontexts

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "keys.h"
+
+#include <string>
+#include <string_view>
+
+namespace Json {
+class Value;
+}
+
+namespace lgb {
+
+/// A place in the words of a message, `{module}`, that a member of the parameter record fills in.
+struct Place {
+    std::string_view name;
+    const char* key;
+    /// How the member reads in a message.
+    /// @throws Json::LogicError or system::LogicError for a member that can't be read so
+    std::string (*shown)(const Json::Value& member);
+};
+
+namespace shown {
+
+std::string onOff(const Json::Value& on);
+std::string powerUnit(const Json::Value& watt);
+std::string groupNr(const Json::Value& group);
+std::string defectiveFan(const Json::Value& ok);
+std::string workingFan(const Json::Value& ok);
+std::string number(const Json::Value& value);
+std::string word(const Json::Value& value);
+std::string operatingClass(const Json::Value& value);
+std::string outputMode(const Json::Value& value);
+std::string interlockMode(const Json::Value& value);
+std::string role(const Json::Value& value);
+
+}  // namespace shown
+
+// clang-format off
+inline constexpr Place places[] = {
+    {"module",         keys::module,         shown::number},
+    {"bus",            keys::bus,            shown::number},
+    {"onOff",          keys::on,             shown::onOff},
+    {"powerUnit",      keys::watt,           shown::powerUnit},
+    {"group",          keys::group,          shown::groupNr},
+    {"defectiveFan",   keys::ok,             shown::defectiveFan},
+    {"workingFan",     keys::ok,             shown::workingFan},
+    {"version",        keys::version,        shown::word},
+    {"type",           keys::type,           shown::word},
+    {"value",          keys::value,          shown::word},
+    {"path",           keys::path,           shown::word},
+    {"operatingClass", keys::operatingClass, shown::operatingClass},
+    {"outputMode",     keys::outputMode,     shown::outputMode},
+    {"interlockMode",  keys::interlockMode,  shown::interlockMode},
+    {"role",           keys::role,           shown::role},
+    {"nr",             keys::nr,             shown::number},
+};
+
+// clang-format on
+
+/// The place of a name, or null.
+constexpr const Place* findPlace(std::string_view name) {
+    for (const Place& place : places) {
+        if (place.name == name) {
+            return &place;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace lgb
