@@ -29,11 +29,11 @@ public:
 protected:
     /// What `create` does, on an entry whose parameters others read as well.
     /// @param params made from the entry's own parameter text
-    bool describe(tqbase2::nsa::zel::structs::LogbookEntry& entry, const ParameterRecord& params);
+    TQZEL_INTERNAL bool describe(tqbase2::nsa::zel::structs::LogbookEntry& entry, const ParameterRecord& params);
 
 private:
-    bool createZel(tqbase2::nsa::zel::structs::LogbookEntry& entry, const ParameterRecord& params);
-    bool createKestrel(tqbase2::nsa::zel::structs::LogbookEntry& entry, const ParameterRecord& params);
+    TQZEL_INTERNAL bool createZel(tqbase2::nsa::zel::structs::LogbookEntry& entry, const ParameterRecord& params);
+    TQZEL_INTERNAL bool createKestrel(tqbase2::nsa::zel::structs::LogbookEntry& entry, const ParameterRecord& params);
 };
 
 /// What ends a description: "." for information, "!" for all else.

@@ -12,7 +12,7 @@ public:
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {
-        return conversion::toJson(operatingClassSpellings, value, {file, __LINE__, BOOST_CURRENT_FUNCTION});
+        return conversion::toJson(spelling(operatingClassSpellings, value), {file, __LINE__, BOOST_CURRENT_FUNCTION});
     }
 
     /// @param value compared whole and case-sensitively; null and the empty string read as the first enumerator

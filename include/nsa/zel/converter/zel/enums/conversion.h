@@ -17,31 +17,36 @@
 /// converter's header by a literal, since it is compiled in units where no path is stripped.
 namespace tqbase2::nsa::zel::enums::conversion {
 
-template <typename Enum, std::size_t Count>
-Json::Value toJson(const std::array<std::string_view, Count>& spellings, Enum value,
-                   const boost::source_location& location) {
-    const std::string_view text = spelling(spellings, value);
+/// @param text a spelling; empty for a number outside the enumeration
+inline Json::Value toJson(std::string_view text, const boost::source_location& location) {
     if (text.empty()) {
         boost::throw_exception(system::LogicError(), location);
     }
     return Json::Value(std::string(text));
 }
 
-template <typename Enum, std::size_t Count>
-Enum fromJson(const std::array<std::string_view, Count>& spellings, const Json::Value& value,
-              const boost::source_location& location) {
+/// The index of a spelling, 0 for none. Compiled once for all enumerations.
+inline std::size_t indexFromJson(const std::string_view* spellings, std::size_t count, const Json::Value& value,
+                                 const boost::source_location& location) {
     const std::string text = value.asString();
-    const auto found = std::find(spellings.begin(), spellings.end(), text);
-    if (found != spellings.end()) {
-        return static_cast<Enum>(found - spellings.begin());
+    const auto* const end = spellings + count;
+    const auto* const found = std::find(spellings, end, text);
+    if (found != end) {
+        return static_cast<std::size_t>(found - spellings);
     }
     if (text.empty()) {
-        return static_cast<Enum>(0);
+        return 0;
     }
     if (system::log::detail::isEnabled(logging::error, logging::channel)) {
         system::log::detail::log(logging::error, logging::channel, "No valid conversion to enum for value " + text);
     }
     boost::throw_exception(system::LogicError(), location);
+}
+
+template <typename Enum, std::size_t Count>
+Enum fromJson(const std::array<std::string_view, Count>& spellings, const Json::Value& value,
+              const boost::source_location& location) {
+    return static_cast<Enum>(indexFromJson(spellings.data(), Count, value, location));
 }
 
 }  // namespace tqbase2::nsa::zel::enums::conversion
