@@ -1,6 +1,6 @@
-# Fails unless PROGRAM, on logbooks that it makes in FOLDER, prints what the README says.
+# Fails unless PROGRAM, run by EMULATOR if there is one, on logbooks that it makes in FOLDER, prints what the README says.
 file(REMOVE_RECURSE ${FOLDER})
-execute_process(COMMAND ${CMAKE_COMMAND} -E env TQZEL_LOGBOOK_DIR=${FOLDER} ${PROGRAM}
+execute_process(COMMAND ${CMAKE_COMMAND} -E env TQZEL_LOGBOOK_DIR=${FOLDER} ${EMULATOR} ${PROGRAM}
   OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
 file(READ ${README} readme)
 string(FIND "${readme}" "```text\n${output}```" place)
