@@ -14,5 +14,14 @@ set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_MINSIZEREL ON)
 
 # The same bytes wherever they are built: no path of the build machine, and a path to our own libraries while in the
 # build folder that is as long in every folder. Installing removes it.
-add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}/=)
+set(own_folders ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR} ${CMAKE_SYSROOT})
+if(CMAKE_SYSROOT)
+  file(REAL_PATH ${CMAKE_SYSROOT} sysroot)
+  list(APPEND own_folders ${sysroot})
+endif()
+foreach(folder IN LISTS own_folders)
+  list(APPEND mapped_folders -ffile-prefix-map=${folder}=. -ffile-prefix-map=${folder}/=)  # the last that fits counts
+endforeach()
+add_compile_options(${mapped_folders})
+add_link_options(${mapped_folders})  # optimisation at link time compiles
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
