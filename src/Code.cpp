@@ -2,6 +2,7 @@
 #include <nsa/zel/enums/spelling.h>
 
 #include <ostream>
+#include <string>
 
 namespace lgb::code {
 
@@ -20,7 +21,7 @@ ServiceCode::ServiceCode(enums::LogbookEntryType type) : Code(0, type) {}
 ServiceCode::~ServiceCode() = default;
 
 std::ostream& operator<<(std::ostream& stream, const Code& code) {
-    stream << enums::spelling(enums::logbookEntryTypeSpellings, code.type());
+    enums::write(stream, enums::spelling(enums::logbookEntryTypeSpellings, code.type()));
     if (code.id() != 0) {
         stream << std::to_string(code.id());
     }

@@ -4,6 +4,7 @@
 #include <nsa/zel/logbook/Entry.h>
 
 #include <locale>
+#include <iomanip>
 #include <sstream>
 #include <type_traits>
 #include <utility>
@@ -175,6 +176,12 @@ TEST(Code, ShortFormOfATypeOutsideTheEnumerationHasNoLetter) {
     EXPECT_EQ(shortForm(Code(7, static_cast<LogbookEntryType>(5))), "7");
     EXPECT_EQ(shortForm(Code(7, static_cast<LogbookEntryType>(-1))), "7");
     EXPECT_EQ(shortForm(Code(0, noType)), "");
+}
+
+TEST(Code, ShortFormWithoutLetterLeavesTheWidthToTheId) {
+    std::ostringstream text;
+    text << std::setw(4) << Code(7, static_cast<LogbookEntryType>(5));
+    EXPECT_EQ(text.str(), "   7");
 }
 
 TEST(Code, ShortFormIsDecimalWhateverTheStreamIsSetTo) {

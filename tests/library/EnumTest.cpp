@@ -16,6 +16,7 @@
 #include <cctype>
 #include <exception>
 #include <functional>
+#include <iomanip>
 #include <limits>
 #include <regex>
 #include <sstream>
@@ -313,6 +314,13 @@ TEST(EnumStreaming, WritesNothingForANumberOutsideTheEnumeration) {
     EXPECT_EQ(streamed<enums::OperatingClass>(10), "|");
     EXPECT_EQ(streamed<enums::TypeProduct>(-1), "|");
     EXPECT_EQ(streamed<enums::TypeProduct>(4), "|");
+}
+
+TEST(EnumStreaming, LeavesTheWidthToWhatFollowsANumberOutsideTheEnumeration) {
+    std::ostringstream text;
+    text << std::setw(3) << static_cast<enums::OperatingClass>(10) << '|' << std::setw(3)
+         << static_cast<enums::TypeProduct>(4) << '|';
+    EXPECT_EQ(text.str(), "  |  |");
 }
 
 }  // namespace

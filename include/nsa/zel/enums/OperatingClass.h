@@ -29,7 +29,7 @@ inline constexpr std::array<std::string_view, 10> operatingClassSpellings{"AB", 
 
 /// Writes the spelling; nothing for a number outside the enumeration.
 inline std::ostream& operator<<(std::ostream& stream, OperatingClass value) {
-    return stream << spelling(operatingClassSpellings, value);
+    return write(stream, spelling(operatingClassSpellings, value));
 }
 
 }  // namespace tqbase2::nsa::zel::enums

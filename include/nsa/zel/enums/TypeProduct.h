@@ -17,7 +17,7 @@ inline constexpr std::array<std::string_view, 4> typeProductSpellings{"Osprey", 
 
 /// Writes the spelling; nothing for a number outside the enumeration.
 inline std::ostream& operator<<(std::ostream& stream, TypeProduct value) {
-    return stream << spelling(typeProductSpellings, value);
+    return write(stream, spelling(typeProductSpellings, value));
 }
 
 }  // namespace tqbase2::nsa::zel::enums
