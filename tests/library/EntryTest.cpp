@@ -3,8 +3,8 @@
 #include <lgb/Entry.h>
 #include <nsa/zel/logbook/Entry.h>
 
-#include <locale>
 #include <iomanip>
+#include <locale>
 #include <sstream>
 #include <type_traits>
 #include <utility>

@@ -15,7 +15,8 @@ constexpr std::string_view spelling(const std::array<std::string_view, Count>& s
     return index < Count ? spellings[index] : std::string_view();
 }
 
-/// Writes a spelling; nothing at all for an empty one, so that a width that the stream is set to waits for what follows.
+/// Writes a spelling; nothing at all for an empty one, so that a width that the stream is set to waits for what
+/// follows.
 inline std::ostream& write(std::ostream& stream, std::string_view spelling) {
     return spelling.empty() ? stream : stream << spelling;
 }
