@@ -1,0 +1,56 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <iostream>
+#include <string>
+#include <utility>
+
+namespace support {
+
+/// How often a check is to do what it does, and from which random number on.
+struct Extent {
+    std::uint64_t rounds;
+    std::uint32_t seed = 1;
+};
+
+/// Reads `--rounds` and `--seed`; ends the program for wrong use.
+/// @param usual rounds of the short form
+inline Extent extentOf(int argc, char** argv, std::uint64_t usual) {
+    Extent extent{usual};
+    CLI::App app;
+    app.add_option("--rounds", extent.rounds, "how often");
+    app.add_option("--seed", extent.seed, "first random number");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        std::exit(app.exit(error));
+    }
+    return extent;
+}
+
+/// Counts what went wrong and says the first twenty.
+class Failures {
+public:
+    void expect(bool holds, const std::string& what) {
+        if (!holds) {
+            ++count;
+            if (count <= shown) {
+                std::cerr << "FAILED: " << what << '\n';
+            }
+        }
+    }
+
+    /// The exit code of the check, after one line of figures.
+    int conclude(const std::string& figures) const {
+        std::cout << figures << ", " << count << " failures\n";
+        return count == 0 ? 0 : 1;
+    }
+
+private:
+    static constexpr std::uint64_t shown = 20;
+    std::uint64_t count = 0;
+};
+
+}  // namespace support
