@@ -42,24 +42,26 @@ constexpr bool idsAscend(const Row (&rows)[Count]) {
 
 /// Whether each brace of some words opens or closes the name of a place.
 constexpr bool placesAreKnown(std::string_view words) {
-    const std::size_t open = words.find('{');
-    if (open == std::string_view::npos) {
-        return words.find('}') == std::string_view::npos;
+    for (std::size_t open = words.find_first_of("{}"); open != std::string_view::npos;
+         open = words.find_first_of("{}")) {
+        const std::size_t close = words.find('}');
+        if (close == open || close == std::string_view::npos ||
+            findPlace(words.substr(open + 1, close - open - 1)) == nullptr) {
+            return false;
+        }
+        words.remove_prefix(close + 1);
     }
-    const std::size_t close = words.find('}');
-    return close != std::string_view::npos && close > open &&
-           findPlace(words.substr(open + 1, close - open - 1)) != nullptr && placesAreKnown(words.substr(close + 1));
+    return true;
 }
 
 /// Whether all places of a message table are known.
 template <typename Row, std::size_t Count>
 constexpr bool placesAreKnown(const Row (&rows)[Count]) {
+    bool known = true;
     for (const Row& row : rows) {
-        if (!placesAreKnown(std::string_view(row.words))) {
-            return false;
-        }
+        known = known && placesAreKnown(std::string_view(row.words));
     }
-    return true;
+    return known;
 }
 
 /// The row of an id, or null.
