@@ -21,6 +21,10 @@ public:
     /// @throws DatabaseError, here and from every operation
     SqliteDatabase(const std::string& path, std::uint32_t recordsKept);
 
+    SqliteDatabase(const SqliteDatabase&) = delete;
+    SqliteDatabase& operator=(const SqliteDatabase&) = delete;
+    ~SqliteDatabase() override;
+
     std::vector<lgb::DatabaseRecord> fetch(unsigned int offset, unsigned int count) override;
     void add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) override;
     void clear() override;
@@ -30,14 +34,23 @@ private:
     template <typename Operation>
     auto guarded(Operation operation);
 
+    /// Makes a change in one transaction, and once more with room made in the log when the disk is full.
+    template <typename Change>
+    void commit(Change change);
+
+    std::int64_t nextNumber();
+    void insert(std::int64_t number, const lgb::DatabaseRecord& record);
+
     std::mutex mutex;  // statements are not to be shared
     std::string file;
     std::int64_t capacity;
     SQLite::Database connection;
     SQLite::Statement selectPage;
+    SQLite::Statement selectNextNumber;
     SQLite::Statement insertRecord;
     SQLite::Statement deleteOldest;
     SQLite::Statement selectCount;
+    bool written = false;
 };
 
 }  // namespace standalone

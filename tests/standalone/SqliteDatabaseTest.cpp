@@ -84,8 +84,14 @@ protected:
         }
     }
 
+    /// Changes the file behind the logbook's back.
+    void execute(const std::string& sql) const { SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec(sql); }
+
+    static constexpr std::uintmax_t logSize = 128 * std::uintmax_t{1024};
+
     TemporaryFolder folder;
     const std::filesystem::path file = folder / "lgbTest.db";
+    const std::filesystem::path log = folder / "lgbTest.db-wal";
 };
 
 Texts countingDown(int from, int to) {
@@ -149,11 +155,11 @@ TEST_F(SqliteDatabase, OfCapacity500Keeps500OutOf20000InAFileThatStopsGrowing) {
         const auto database = open(500);
         addNumbers(*database, 1, 5000);
         const auto size = std::filesystem::file_size(file);
-        const auto logSize = std::filesystem::file_size(file.string() + "-wal");
+        const auto logBefore = std::filesystem::file_size(log);
         addNumbers(*database, 5001, 20000);
         EXPECT_EQ(std::filesystem::file_size(file), size);
         constexpr std::uintmax_t oneTransaction = 4 * std::uintmax_t{4096};
-        EXPECT_LE(std::filesystem::file_size(file.string() + "-wal"), logSize + oneTransaction);
+        EXPECT_LE(std::filesystem::file_size(log), logBefore + oneTransaction);
         EXPECT_EQ(database->count(), 500u);
     }
     EXPECT_EQ(stored(), countingDown(20000, 19501));
@@ -309,6 +315,75 @@ TEST_F(SqliteDatabase, RefusesAFileCutShort) {
     std::filesystem::resize_file(file, size - 4096);
     EXPECT_THAT(refusal(), testing::StartsWith(file.string() + ": "));
     EXPECT_EQ(std::filesystem::file_size(file), size - 4096);
+}
+
+TEST_F(SqliteDatabase, RefusesAFileThatLacksARecord) {
+    addNumbers(*open(), 1, 5);
+    execute("DELETE FROM record WHERE number = 3");
+    EXPECT_EQ(refusal(), file.string() + ": damaged: of the records 1 to 5 only 4 are there");
+}
+
+TEST_F(SqliteDatabase, RefusesAFileWithARecordThatWasCleared) {
+    addNumbers(*open(), 1, 5);
+    execute("UPDATE cleared SET through = 1");
+    EXPECT_EQ(refusal(), file.string() + ": damaged: record 1 is there, but all up to 1 were cleared");
+}
+
+/// What may change in a record without changing the structure of the file.
+struct Damage {
+    std::string name;
+    std::string assignment;
+};
+
+class DamagedRecord : public SqliteDatabase, public testing::WithParamInterface<Damage> {};
+
+TEST_P(DamagedRecord, IsLeftOutWithALineThatNamesFileAndRecord) {
+    const auto database = open();
+    addNumbers(*database, 1, 3);
+    execute("UPDATE record SET " + GetParam().assignment + " WHERE number = 2");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(stored(), (Texts{"3", "1"}));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("error libTqZelPlatform: " + file.string() +
+                                                                           ": record 2 is damaged and left out\n"));
+    add(*database, "4");
+    EXPECT_EQ(database->count(), 4u) << "the damaged one stays where it is";
+}
+
+INSTANTIATE_TEST_SUITE_P(SqliteDatabase, DamagedRecord,
+                         testing::Values(Damage{"InItsSeconds", "seconds = 1"},
+                                         Damage{"InItsNanoseconds", "nanoseconds = 1"},
+                                         Damage{"InItsTime", "time = 'x'"}, Damage{"InItsText", "json = '3'"},
+                                         Damage{"InABitMovedBetweenTexts", "time = '2', json = ''"},
+                                         Damage{"InItsChecksum", "checksum = checksum + 1"}),
+                         [](const auto& damage) { return damage.param.name; });
+
+TEST_F(SqliteDatabase, TellsEqualRecordsApartByTheirNumber) {
+    const auto database = open();
+    add(*database, "same");
+    add(*database, "same");
+    execute("UPDATE record SET checksum = (SELECT checksum FROM record WHERE number = 1) WHERE number = 2");
+    EXPECT_EQ(stored(), Texts{"same"});
+}
+
+TEST_F(SqliteDatabase, SetsSpaceAsideForAFullLogbook) {
+    const auto database = open(500);
+    EXPECT_GE(std::filesystem::file_size(file), 500u * 400u);
+    EXPECT_GE(std::filesystem::file_size(log), logSize);
+}
+
+TEST_F(SqliteDatabase, LeavesAnEmptyLogOfTheSameSizeWhenClosed) {
+    addNumbers(*open(), 1, 100);
+    const std::string content = support::contentOf(log);
+    EXPECT_EQ(content.size(), logSize);
+    EXPECT_EQ(content.find_first_not_of('\0'), std::string::npos);
+}
+
+TEST_F(SqliteDatabase, ClosedLeavesTheLogToOthersThatUseIt) {
+    const auto other = open();
+    addNumbers(*open(), 1, 100);
+    EXPECT_EQ(other->count(), 100u);
+    add(*other, "101");
+    EXPECT_EQ(stored(), countingDown(101, 1));
 }
 
 TEST_F(SqliteDatabase, MakesTheFolderWhenMissing) {
