@@ -111,7 +111,7 @@ int main(int argc, char** argv) {
     app.add_option("--folder", disk, "on a small file system of its own");
     CLI11_PARSE(app, argc, argv);
 
-    constexpr std::uintmax_t small = 64 * 1024 * 1024;
+    constexpr std::uintmax_t small = std::uintmax_t{64} << 20;  // 64 MB
     if (!disk.empty() && std::filesystem::space(disk).capacity > small) {
         std::cerr << disk << ": not on a small file system of its own, and I would fill it\n";
         return 2;
