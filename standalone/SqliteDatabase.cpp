@@ -67,7 +67,7 @@ private:
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKept)
+SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKept) try
     : file(path),
       capacity(recordsKept),
       connection(openLogbook(path, recordsKept)),
@@ -75,7 +75,10 @@ SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKep
       selectNextNumber(connection, nextNumberSql),
       insertRecord(connection, insertSql),
       deleteOldest(connection, deleteOldestSql),
-      selectCount(connection, countSql) {}
+      selectCount(connection, countSql) {
+} catch (const SQLite::Exception& exception) {
+    refuse(path, exception);  // a table is not what it should be
+}
 
 SqliteDatabase::~SqliteDatabase() {
     if (written) {

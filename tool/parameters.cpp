@@ -43,8 +43,8 @@ CLI::Validator isUnsigned() {
     return between<unsigned int>(0, std::numeric_limits<unsigned int>::max());
 }
 
-CLI::Validator isSigned() {
-    return between(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+CLI::Validator isGroup() {
+    return between(0, std::numeric_limits<int>::max());
 }
 
 CLI::Validator isOperatingClass() {
@@ -76,7 +76,7 @@ struct ParameterOption {
 constexpr ParameterOption options[] = {
     {"--bus",             "bus",            "NUMBER",                       isUnsigned,       number,  "Bus of the module"},
     {"--module",          "module",         "NUMBER",                       isUnsigned,       number,  "Amplifier, power detector or power supply"},
-    {"--group",           "group",          "NUMBER",                       isSigned,         number,  "Group of RF paths, counting from 0"},
+    {"--group",           "group",          "NUMBER",                       isGroup,          number,  "Group of RF paths, counting from 0"},
     {"--nr",              "nr",             "NUMBER",                       isUnsigned,       number,  "Number of a unit or device"},
     {"--on",              "on",             "true|false",                   isBoolean,        boolean, "Whether it was to be on"},
     {"--ok",              "ok",             "true|false",                   isBoolean,        boolean, "Whether fan 0 is the working one"},

@@ -329,6 +329,12 @@ TEST_F(SqliteDatabase, RefusesAFileWithARecordThatWasCleared) {
     EXPECT_EQ(refusal(), file.string() + ": damaged: record 1 is there, but all up to 1 were cleared");
 }
 
+TEST_F(SqliteDatabase, RefusesAFileWhoseTableIsAnother) {
+    addNumbers(*open(), 1, 5);
+    execute("ALTER TABLE record RENAME COLUMN seconds TO minutes");
+    EXPECT_EQ(refusal(), file.string() + ": no such column: seconds");
+}
+
 /// What may change in a record without changing the structure of the file.
 struct Damage {
     std::string name;

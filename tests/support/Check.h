@@ -30,27 +30,25 @@ inline Extent extentOf(int argc, char** argv, std::uint64_t usual) {
     return extent;
 }
 
-/// Counts what went wrong and says the first twenty.
+/// What went wrong; the first of it is told at the end, as standard error may be part of what is checked.
 class Failures {
 public:
     void expect(bool holds, const std::string& what) {
-        if (!holds) {
-            ++count;
-            if (count <= shown) {
-                std::cerr << "FAILED: " << what << '\n';
-            }
+        if (!holds && ++count <= told) {
+            first += "FAILED: " + what + '\n';
         }
     }
 
     /// The exit code of the check, after one line of figures.
     int conclude(const std::string& figures) const {
-        std::cout << figures << ", " << count << " failures\n";
+        std::cout << first << figures << ", " << count << " failures\n";
         return count == 0 ? 0 : 1;
     }
 
 private:
-    static constexpr std::uint64_t shown = 20;
+    static constexpr std::uint64_t told = 20;
     std::uint64_t count = 0;
+    std::string first;
 };
 
 }  // namespace support

@@ -202,6 +202,8 @@ TEST_F(Tool, AnswersWrongUseWithOneLine) {
     EXPECT_EQ(wrongUse("add customer error x"), "tqzel-logbook: id: Value x not in range 1 to 4294967295\n");
     EXPECT_EQ(wrongUse("add customer error 14 --bus -1"),
               "tqzel-logbook: --bus: Value -1 not in range 0 to 4294967295\n");
+    EXPECT_EQ(wrongUse("add customer info 236 --group -3"),
+              "tqzel-logbook: --group: Value -3 not in range 0 to 2147483647\n");
     EXPECT_EQ(wrongUse("add customer error 14 --unit 99999999999999999999"),
               "tqzel-logbook: --unit: Value 99999999999999999999 not in range 0 to 2147483647\n");
     EXPECT_EQ(wrongUse("add customer info 127 --interlock-mode Automatic"),
