@@ -30,6 +30,7 @@ unsigned int levelOf(enums::LogbookEntryType type) {
 std::string entryStr(const LogbookEntry& entry) {
     const auto& [unit, device, params, generation] = entry.details;
     std::ostringstream text;
+    text.exceptions(std::ios_base::badbit);  // else running out of memory would only cut the text
     text << code::Code(static_cast<std::uint32_t>(entry.code), entry.type);
     if (device >= 0) {
         text << " device=" << std::to_string(device);

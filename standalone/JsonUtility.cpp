@@ -51,6 +51,7 @@ std::string oneLine(std::string errors) {
 std::string JsonUtility::toJsonString(const Json::Value& value) {
     thread_local const std::unique_ptr<Json::StreamWriter> writer = makeWriter();
     std::ostringstream text;
+    text.exceptions(std::ios_base::badbit);  // else running out of memory would only cut the text
     writer->write(value, &text);
     return text.str();
 }

@@ -13,7 +13,12 @@ template <typename... Args>
 std::string createStr(Args&&... args) {
     std::stringstream stream;
     stream << std::boolalpha;
-    static_cast<void>((stream << ... << std::forward<Args>(args)));
+    stream.exceptions(std::ios_base::badbit);  // else running out of memory would only cut the text
+    try {
+        static_cast<void>((stream << ... << std::forward<Args>(args)));
+    } catch (const std::ios_base::failure&) {
+        return stream.str();  // up to the null
+    }
     return stream.str();
 }
 

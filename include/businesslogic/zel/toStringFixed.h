@@ -12,6 +12,7 @@ namespace businesslogic::zel {
 template <typename Value, int Precision, bool BoolAlpha>
 std::string toStringFixed(const Value& value) {
     std::ostringstream stream;
+    stream.exceptions(std::ios_base::badbit);  // else running out of memory would only cut the text
     stream.precision(Precision);
     stream.setf(std::ios_base::fixed, std::ios_base::floatfield);
     if constexpr (BoolAlpha) {
