@@ -1,10 +1,10 @@
 #include "LogbookFile.h"
 
+#include "Transaction.h"
 #include "errors.h"
 
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Statement.h>
-#include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -98,13 +98,13 @@ Content examine(SQLite::Database& connection) {
 }
 
 Content contentOf(SQLite::Database& connection) {
-    const SQLite::Transaction transaction(connection);
+    const Transaction transaction(connection, Transaction::reading);
     return examine(connection);
 }
 
 /// Somebody else may be making the same logbook at this moment: whoever gets the lock first does.
 void makeLogbook(SQLite::Database& connection) {
-    SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
+    Transaction transaction(connection, Transaction::writing);
     if (examine(connection) == Content::Nothing) {
         connection.exec("PRAGMA application_id = " + std::to_string(applicationId));
         connection.exec("PRAGMA user_version = " + std::to_string(schemaVersion));

@@ -1,12 +1,12 @@
 #include "SqliteDatabase.h"
 
 #include "LogbookFile.h"
+#include "Transaction.h"
 #include "checksum.h"
 
 #include <tqbase2/system/log/detail.h>
 
 #include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
 #include <utility>
@@ -100,7 +100,7 @@ template <typename Change>
 void SqliteDatabase::commit(Change change) {
     guarded([&] {
         const auto attempt = [&] {
-            SQLite::Transaction transaction(connection, SQLite::TransactionBehavior::IMMEDIATE);
+            Transaction transaction(connection, Transaction::writing);
             change();
             transaction.commit();
             written = true;
