@@ -17,9 +17,9 @@ struct Extent {
 
 /// Reads `--rounds` and `--seed`; ends the program for wrong use.
 /// @param usual rounds of the short form
-inline Extent extentOf(int argc, char** argv, std::uint64_t usual) {
+/// @param app knows what else the check takes
+inline Extent extentOf(int argc, char** argv, std::uint64_t usual, CLI::App& app) {
     Extent extent{usual};
-    CLI::App app;
     app.add_option("--rounds", extent.rounds, "how often");
     app.add_option("--seed", extent.seed, "first random number");
     try {
@@ -28,6 +28,11 @@ inline Extent extentOf(int argc, char** argv, std::uint64_t usual) {
         std::exit(app.exit(error));
     }
     return extent;
+}
+
+inline Extent extentOf(int argc, char** argv, std::uint64_t usual) {
+    CLI::App app;
+    return extentOf(argc, argv, usual, app);
 }
 
 /// What went wrong; the first of it is told at the end, as standard error may be part of what is checked.
