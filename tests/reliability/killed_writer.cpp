@@ -395,9 +395,7 @@ Figures killAgainAndAgain(const support::Extent& extent, bool lies) {
     return figures;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     bool lies = false;
     CLI::App app;
     app.add_flag("--lie", lies, "acknowledge records before they are added: must be found out");
@@ -415,4 +413,15 @@ int main(int argc, char** argv) {
     failures.expect(figures.opening > 0 && figures.adding > 0 && figures.clearing > 0,
                     "no kill while opening, adding or clearing: too few rounds to tell");
     return failures.conclude(figures.text());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& exception) {
+        std::cerr << exception.what() << '\n';
+        return 1;
+    }
 }
