@@ -104,12 +104,10 @@ private:
 }  // namespace
 
 int main(int argc, char** argv) {
-    support::Extent extent{200};
     std::string disk;
     CLI::App app;
-    app.add_option("--rounds", extent.rounds, "entries to add to each logbook while the disk is full");
     app.add_option("--folder", disk, "on a small file system of its own");
-    CLI11_PARSE(app, argc, argv);
+    const support::Extent extent = support::extentOf(argc, argv, 200, app);
 
     constexpr std::uintmax_t small = std::uintmax_t{64} << 20;  // 64 MB
     if (!disk.empty() && std::filesystem::space(disk).capacity > small) {
