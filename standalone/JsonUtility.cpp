@@ -8,6 +8,7 @@
 #include <boost/algorithm/string/trim.hpp>
 
 #include <memory>
+#include <mutex>
 #include <sstream>
 
 namespace tqbase2::system {
@@ -43,13 +44,18 @@ std::string oneLine(std::string errors) {
     return errors;
 }
 
+// For one thread at a time.
+std::mutex writing;
+std::mutex reading;
+
 }  // namespace
 
-// Reader and writer hold their settings, which cost more to make than a small text costs to read; both are for one
-// thread at a time.
+// Reader and writer hold their settings, which cost more to make than a small text costs to read. All threads share
+// them: what is made for each has its end noted by the C library, which ends the program when there is no memory to.
 
 std::string JsonUtility::toJsonString(const Json::Value& value) {
-    thread_local const std::unique_ptr<Json::StreamWriter> writer = makeWriter();
+    const std::lock_guard lock(writing);
+    static const std::unique_ptr<Json::StreamWriter> writer = makeWriter();
     std::ostringstream text;
     text.exceptions(std::ios_base::badbit);  // else running out of memory would only cut the text
     writer->write(value, &text);
@@ -60,7 +66,8 @@ Json::Value JsonUtility::toJsonValue(std::string_view text) {
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
         return {};
     }
-    thread_local const std::unique_ptr<Json::CharReader> reader = makeReader();
+    const std::lock_guard lock(reading);
+    static const std::unique_ptr<Json::CharReader> reader = makeReader();
     Json::Value value;
     std::string errors;
     try {
