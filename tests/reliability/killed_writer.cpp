@@ -356,8 +356,8 @@ void count(const std::optional<Event>& interrupted, Figures& figures) {
 /// One writer from its start to the moment of its death.
 void writeAndKill(Life& life, bool lies, std::int64_t writerReports, Random& random, Figures& figures) {
     Pipe pipe;
-    const Random writersRandom(static_cast<Random::result_type>(random()));
-    const Random readersRandom(static_cast<Random::result_type>(random()));
+    const Random writersRandom(random());
+    const Random readersRandom(random());
     life.ledger.begun = Event::Opening;
     Child writer(pipe, [&] { writeOn(life.place, life.ledger.last + 1, lies, writersRandom, pipe); });
     Child reader(pipe, [&] { readOn(life.place, readersRandom, pipe); });
