@@ -1,0 +1,57 @@
+#include "commandLine.h"
+
+#include "commands.h"
+#include "logbooks.h"
+
+#include <exception>
+#include <iostream>
+#include <stdexcept>
+
+namespace tool {
+
+namespace {
+
+constexpr int failure = 1;
+constexpr int wrongUse = 2;
+
+int complain(const std::exception& exception, int exitCode) {
+    std::cerr << "tqzel-logbook: " << exception.what() << '\n';
+    return exitCode;
+}
+
+void parse(int argc, const char* const* argv) {
+    CLI::App app("Records and shows the logbooks of a device.", "tqzel-logbook");
+    Selection selection;
+    app.set_version_flag("--version", TQZEL_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.add_option("--folder", selection.folder, "Folder of the logbooks; else $TQZEL_LOGBOOK_DIR, or under $HOME")
+        ->type_name("FOLDER");
+    declareAdd(app, selection);
+    declareShow(app, selection);
+    declareClear(app, selection);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& helpOrVersion) {
+        app.exit(helpOrVersion);
+    }
+    std::cout.flush();
+    if (!std::cout) {
+        throw std::runtime_error("can't write to standard output");
+    }
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+    try {
+        parse(argc, argv);
+        return 0;
+    } catch (const CLI::ParseError& error) {
+        return complain(error, wrongUse);
+    } catch (const std::exception& exception) {
+        return complain(exception, failure);
+    }
+}
+
+}  // namespace tool
