@@ -8,7 +8,7 @@ std::string compose(std::string_view words, const ParameterRecord& params) {
     std::string text;
     for (std::size_t open = words.find('{'); open != std::string_view::npos; open = words.find('{')) {
         const std::size_t close = words.find('}', open);
-        const Place& place = *findPlace(words.substr(open + 1, close - open - 1));
+        const Place& place = places[indexOfPlace(words.substr(open + 1, close - open - 1))];
         text += words.substr(0, open);
         text += place.shown(params[place.key]);
         words.remove_prefix(close + 1);

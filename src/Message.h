@@ -46,7 +46,7 @@ constexpr bool placesAreKnown(std::string_view words) {
          open = words.find_first_of("{}")) {
         const std::size_t close = words.find('}');
         if (close == open || close == std::string_view::npos ||
-            findPlace(words.substr(open + 1, close - open - 1)) == nullptr) {
+            indexOfPlace(words.substr(open + 1, close - open - 1)) == std::size(places)) {
             return false;
         }
         words.remove_prefix(close + 1);

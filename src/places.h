@@ -2,6 +2,8 @@
 
 #include "keys.h"
 
+#include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -58,14 +60,13 @@ inline constexpr Place places[] = {
 
 // clang-format on
 
-/// The place of a name, or null.
-constexpr const Place* findPlace(std::string_view name) {
-    for (const Place& place : places) {
-        if (place.name == name) {
-            return &place;
-        }
+/// Where the place of a name stands in the table; behind its end for a name that isn't there.
+constexpr std::size_t indexOfPlace(std::string_view name) {
+    std::size_t index = 0;
+    while (index < std::size(places) && places[index].name != name) {
+        ++index;
     }
-    return nullptr;
+    return index;
 }
 
 }  // namespace lgb

@@ -67,18 +67,15 @@ private:
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKept) try
+SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKept)
     : file(path),
       capacity(recordsKept),
       connection(openLogbook(path, recordsKept)),
-      selectPage(connection, pageSql),
-      selectNextNumber(connection, nextNumberSql),
-      insertRecord(connection, insertSql),
-      deleteOldest(connection, deleteOldestSql),
-      selectCount(connection, countSql) {
-} catch (const SQLite::Exception& exception) {
-    refuse(path, exception);  // a table is not what it should be
-}
+      selectPage(prepare(pageSql)),
+      selectNextNumber(prepare(nextNumberSql)),
+      insertRecord(prepare(insertSql)),
+      deleteOldest(prepare(deleteOldestSql)),
+      selectCount(prepare(countSql)) {}
 
 SqliteDatabase::~SqliteDatabase() {
     if (written) {
@@ -94,6 +91,10 @@ auto SqliteDatabase::guarded(Operation operation) {
     } catch (const SQLite::Exception& exception) {
         refuse(file, exception);
     }
+}
+
+SQLite::Statement SqliteDatabase::prepare(const char* sql) {
+    return guarded([&] { return SQLite::Statement(connection, sql); });
 }
 
 template <typename Change>

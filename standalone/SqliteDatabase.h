@@ -34,6 +34,8 @@ private:
     template <typename Operation>
     auto guarded(Operation operation);
 
+    SQLite::Statement prepare(const char* sql);
+
     /// Makes a change in one transaction, and once more with room made in the log when the disk is full.
     template <typename Change>
     void commit(Change change);
