@@ -105,7 +105,7 @@ std::optional<std::string> textOfType(const Code& code, const std::string& param
         return "unknown entry";
     }
     const lgb::ITextCreator& creator = *textCreators[type];
-    const auto text = withEnums([&] { return creator.create(code, params); });
+    auto text = withEnums([&] { return creator.create(code, params); });
     fuzz::require(!text || creator.containsId(code) == (text != "unknown entry"), "an id is known or unknown");
     return text;
 }

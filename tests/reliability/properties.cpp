@@ -20,6 +20,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
+#include <exception>
+#include <iostream>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -298,10 +300,7 @@ void configure(const support::Extent& extent) {
     setenv("RC_PARAMS", (settings + ' ' + (given != nullptr ? given : "")).c_str(), 1);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    const support::Extent extent = support::extentOf(argc, argv, 100);
+int check(const support::Extent& extent) {
     configure(extent);
     support::Failures failures;
     for (const Property& property : properties) {
@@ -309,4 +308,15 @@ int main(int argc, char** argv) {
     }
     return failures.conclude(std::to_string(std::size(properties)) + " properties, " + std::to_string(extent.rounds) +
                              " rounds each, seed " + std::to_string(extent.seed));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return check(support::extentOf(argc, argv, 100));
+    } catch (const std::exception& exception) {  // such as settings that RapidCheck can't read
+        std::cerr << exception.what() << '\n';
+        return 1;
+    }
 }
