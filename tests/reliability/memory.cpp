@@ -23,13 +23,17 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <iostream>
 #include <memory>
 #include <new>
 #include <string>
+#include <typeinfo>
+#include <utility>
 #include <vector>
 
 // Power stays on, and thousands of sessions take a minute instead of an hour.
@@ -534,10 +538,7 @@ void refuseFirstUse(support::Failures& failures, const std::filesystem::path& lo
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    const support::Extent extent = support::extentOf(argc, argv, 30);
+int check(support::Extent extent) {
     const support::TemporaryFolder folder;
     const std::filesystem::path logbooks = folder / "logbooks";
     setenv("TQZEL_LOGBOOK_DIR", logbooks.c_str(), 1);
@@ -558,4 +559,15 @@ int main(int argc, char** argv) {
     sweep.run({"opening", [&](Attempt& attempt) { tryOpening(attempt, logbooks); }});
     sweep.run({"session", [&](Attempt& attempt) { trySession(attempt, logbooks); }});
     return failures.conclude(sweep.figures());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return check(support::extentOf(argc, argv, 30));
+    } catch (const std::exception& exception) {
+        std::cerr << exception.what() << '\n';
+        return 1;
+    }
 }

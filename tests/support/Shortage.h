@@ -1,14 +1,11 @@
 #pragma once
 
 #include <cerrno>
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 
 // Puts an allocator that can run dry in front of the C library's, for the whole program and all libraries it loads:
-// operator new, SQLite and jsoncpp alike. To be included by one source of a program; for one thread. An address
-// sanitizer brings an allocator of its own and does not bear another.
+// operator new, SQLite and jsoncpp alike. For programs that link Shortage.cpp and use one thread.
 
 namespace support {
 
@@ -57,40 +54,3 @@ public:
 };
 
 }  // namespace support
-
-extern "C" {
-
-void* systemMalloc(std::size_t size) __asm__("__libc_malloc");
-void* systemCalloc(std::size_t count, std::size_t size) __asm__("__libc_calloc");
-void* systemRealloc(void* block, std::size_t size) __asm__("__libc_realloc");
-void systemFree(void* block) __asm__("__libc_free");
-
-#pragma GCC visibility push(default)
-
-void* malloc(std::size_t size) noexcept {
-    return support::memorySupply.grants() ? support::memorySupply.count(systemMalloc(size)) : nullptr;
-}
-
-void* calloc(std::size_t count, std::size_t size) noexcept {
-    return support::memorySupply.grants() ? support::memorySupply.count(systemCalloc(count, size)) : nullptr;
-}
-
-void free(void* block) noexcept {
-    support::memorySupply.live -= block != nullptr ? 1 : 0;
-    systemFree(block);
-}
-
-void* realloc(void* block, std::size_t size) noexcept {
-    if (block == nullptr) {
-        return malloc(size);
-    }
-    if (size == 0) {
-        free(block);
-        return nullptr;
-    }
-    return support::memorySupply.grants() ? systemRealloc(block, size) : nullptr;
-}
-
-#pragma GCC visibility pop
-
-}  // extern "C"
