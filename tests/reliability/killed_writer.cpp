@@ -353,6 +353,12 @@ void count(const std::optional<Event>& interrupted, Figures& figures) {
     figures.clearing += interrupted == Event::Clearing ? 1 : 0;
 }
 
+/// From a microsecond to 33 milliseconds, each order of magnitude alike: some of them end before a logbook is opened,
+/// however fast the machine.
+std::chrono::microseconds someMoment(Random& random) {
+    return std::chrono::microseconds(std::int64_t{1} << upTo(random, 15));
+}
+
 /// One writer from its start to the moment of its death.
 void writeAndKill(Life& life, bool lies, std::int64_t writerReports, Random& random, Figures& figures) {
     Pipe pipe;
@@ -362,7 +368,7 @@ void writeAndKill(Life& life, bool lies, std::int64_t writerReports, Random& ran
     Child writer(pipe, [&] { writeOn(life.place, life.ledger.last + 1, lies, writersRandom, pipe); });
     Child reader(pipe, [&] { readOn(life.place, readersRandom, pipe); });
     listen(life.ledger, pipe, writerReports, figures);
-    std::this_thread::sleep_for(std::chrono::microseconds(upTo(random, writerReports == 0 ? 30000 : 1000)));
+    std::this_thread::sleep_for(someMoment(random));
     if (upTo(random, 1) == 0) {
         reader.endNow();  // else it reads on while the logbook is opened again
     }
