@@ -19,6 +19,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -158,14 +159,31 @@ public:
     void endNow() {
         if (id > 0) {
             kill(id, SIGKILL);
-            waitpid(id, nullptr, 0);
-            id = 0;
+            awaitEnd();
         }
+    }
+
+    void awaitEnd() {
+        waitpid(id, nullptr, 0);
+        id = 0;
     }
 
 private:
     pid_t id;
 };
+
+/// Has this process killed, however busy the machine keeps all others.
+void endAfter(std::chrono::microseconds time) {
+    sigevent ending{};
+    ending.sigev_notify = SIGEV_SIGNAL;
+    ending.sigev_signo = SIGKILL;
+    timer_t timer{};
+    itimerspec end{};
+    end.it_value.tv_nsec = std::chrono::nanoseconds(time).count();
+    if (timer_create(CLOCK_MONOTONIC, &ending, &timer) != 0 || timer_settime(timer, 0, &end, nullptr) != 0) {
+        throw std::system_error(errno, std::generic_category(), "timer");
+    }
+}
 
 /// Adds numbered records and clears now and then, until killed.
 [[noreturn]] void writeOn(const Place& place, std::int64_t number, bool lies, Random random, const Pipe& pipe) {
@@ -364,11 +382,21 @@ void writeAndKill(Life& life, bool lies, std::int64_t writerReports, Random& ran
     Pipe pipe;
     const Random writersRandom(random());
     const Random readersRandom(random());
+    const std::chrono::microseconds moment = someMoment(random);
     life.ledger.begun = Event::Opening;
-    Child writer(pipe, [&] { writeOn(life.place, life.ledger.last + 1, lies, writersRandom, pipe); });
+    Child writer(pipe, [&] {
+        if (writerReports == 0) {
+            endAfter(moment);
+        }
+        writeOn(life.place, life.ledger.last + 1, lies, writersRandom, pipe);
+    });
     Child reader(pipe, [&] { readOn(life.place, readersRandom, pipe); });
-    listen(life.ledger, pipe, writerReports, figures);
-    std::this_thread::sleep_for(someMoment(random));
+    if (writerReports == 0) {
+        writer.awaitEnd();
+    } else {
+        listen(life.ledger, pipe, writerReports, figures);
+        std::this_thread::sleep_for(moment);
+    }
     if (upTo(random, 1) == 0) {
         reader.endNow();  // else it reads on while the logbook is opened again
     }
