@@ -43,12 +43,10 @@ constexpr const char* countSql = R"(
 SELECT coalesce((SELECT max(number) FROM record) - (SELECT min(number) FROM record) + 1, 0))";
 
 void logDamage(const std::string& file, std::int64_t number) {
-    constexpr unsigned int error = 4;
+    constexpr unsigned int error = 4;  // the highest level, which nothing switches off
     constexpr const char* channel = "libTqZelPlatform";
-    if (tqbase2::system::log::detail::isEnabled(error, channel)) {
-        tqbase2::system::log::detail::log(error, channel,
-                                          file + ": record " + std::to_string(number) + " is damaged and left out");
-    }
+    tqbase2::system::log::detail::log(error, channel,
+                                      file + ": record " + std::to_string(number) + " is damaged and left out");
 }
 
 /// Ends a statement's use: a statement left standing keeps a read transaction open.
