@@ -1,4 +1,5 @@
 #include "DatabaseContract.h"
+#include "SystemCall.h"
 #include "TemporaryFolder.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
@@ -9,11 +10,14 @@
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -333,6 +337,82 @@ TEST_F(SqliteDatabase, RefusesAFileWhoseTableIsAnother) {
     addNumbers(*open(), 1, 5);
     execute("ALTER TABLE record RENAME COLUMN seconds TO minutes");
     EXPECT_EQ(refusal(), file.string() + ": no such column: seconds");
+}
+
+/// On a full disk files keep the space that they have, and get no more.
+ssize_t writeToAFullDisk(int descriptor, const void* bytes, std::size_t count, off_t offset) {
+    struct stat status {};
+
+    fstat(descriptor, &status);
+    if (offset + static_cast<off_t>(count) > status.st_size) {
+        errno = ENOSPC;
+        return -1;
+    }
+    return pwrite(descriptor, bytes, count, offset);
+}
+
+/// A logbook of 500 records whose disk has been full since it was opened.
+class SqliteDatabaseOnAFullDisk : public SqliteDatabase {
+protected:
+    /// Adds 1, 2, 3... until the log is full of what a reader has not let go. Returns how many there was room for.
+    int fillLog() {
+        SQLite::Database other(file.string());
+        const SQLite::Transaction reading(other);
+        EXPECT_EQ(other.execAndGet("SELECT count(*) FROM record").getInt(), 0);
+        int added = 0;
+        try {
+            for (; added < 500; ++added) {
+                add(*database, std::to_string(added + 1));
+            }
+        } catch (const standalone::DatabaseError& error) {
+            EXPECT_EQ(error.what(), file.string() + ": database or disk is full");
+        }
+        EXPECT_LT(added, 500);
+        return added;
+    }
+
+    const std::unique_ptr<lgb::IDatabase> database = open(500);
+    const support::SystemCall fullDisk{{"pwrite64", "pwrite"}, writeToAFullDisk};
+};
+
+TEST_F(SqliteDatabaseOnAFullDisk, GoesOnInTheSpaceSetAside) {
+    addNumbers(*database, 1, 2000);
+    EXPECT_EQ(stored(), countingDown(2000, 1501));
+}
+
+TEST_F(SqliteDatabaseOnAFullDisk, AddsOnceTheReaderWhoHeldUpTheLogIsGone) {
+    const int added = fillLog();
+    addNumbers(*database, added + 1, added + 100);
+    EXPECT_EQ(stored(), countingDown(added + 100, 1));
+}
+
+TEST_F(SqliteDatabaseOnAFullDisk, ClearsOnceTheReaderWhoHeldUpTheLogIsGone) {
+    fillLog();
+    database->clear();
+    EXPECT_EQ(stored(), Texts{});
+}
+
+/// A transaction of somebody else's, which ends when SQLite has looked for a journal beside the file so many times.
+std::optional<SQLite::Transaction> elsewhere;
+int looksUntilItEnds = 0;
+
+int lookAndEndIt(const char* path, struct stat* status) {
+    if (--looksUntilItEnds == 0) {
+        elsewhere.reset();
+    }
+    return stat(path, status);
+}
+
+TEST_F(SqliteDatabase, WaitsForSomebodyElseBeforeItSwitchesToTheLog) {
+    add(*open(), "a");
+    execute("PRAGMA journal_mode = DELETE");
+    SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
+    elsewhere.emplace(other, SQLite::TransactionBehavior::IMMEDIATE);
+    looksUntilItEnds = 20;
+    const support::SystemCall looking({"stat"}, lookAndEndIt);
+    add(*open(), "b");
+    EXPECT_LE(looksUntilItEnds, 0) << "it was not in the way";
+    EXPECT_EQ(stored(), (Texts{"b", "a"}));
 }
 
 /// What may change in a record without changing the structure of the file.
