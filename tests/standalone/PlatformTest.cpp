@@ -87,8 +87,11 @@ TEST(Logger, IsOffBelowTheLevelThatTheEnvironmentSets) {
 }
 
 TEST(Logger, SaysThatALevelIsNotOneAndUsesTheDefault) {
-    const std::string complaint = std::string(time) + "warning TQZEL_LOG_LEVEL is \"loud\", expected 1 to 4; using 3\n";
-    EXPECT_THAT(logAtLevel("loud"), testing::MatchesRegex(complaint + time + "warning .*\n" + time + "error .*\n"));
+    for (const std::string level : {"0", "5", "11", "loud"}) {
+        const std::string complaint =
+            std::string(time) + "warning TQZEL_LOG_LEVEL is \"" + level + "\", expected 1 to 4; using 3\n";
+        EXPECT_THAT(logAtLevel(level), testing::MatchesRegex(complaint + time + "warning .*\n" + time + "error .*\n"));
+    }
 }
 
 }  // namespace

@@ -153,10 +153,10 @@ TEST_F(Tool, RecordsAnEntryOfTheFirstGeneration) {
 }
 
 TEST_F(Tool, ShowsControlCharactersOfATextAsEscapes) {
-    add("service info --text \"$(printf 'two\\nlines \\033[31mred')\"");
+    add("service info --text \"$(printf 'two\\nlines \\033[31mred\\177')\"");
     EXPECT_EQ(shown("service"),
               "Time                       Type  Description\n"
-              "TIME  Info  two\\x0alines \\x1b[31mred\n");
+              "TIME  Info  two\\x0alines \\x1b[31mred\\x7f\n");
 }
 
 TEST_F(Tool, ClearsOneLogbookWhenTold) {
