@@ -339,6 +339,9 @@ TEST_F(SqliteDatabase, RefusesAFileWhoseTableIsAnother) {
     EXPECT_EQ(refusal(), file.string() + ": no such column: seconds");
 }
 
+using WriteCall = support::SystemCall<ssize_t(int descriptor, const void* bytes, std::size_t count, off_t offset)>;
+using StatusCall = support::SystemCall<int(const char* path, void* status)>;
+
 /// On a full disk files keep the space that they have, and get no more.
 ssize_t writeToAFullDisk(int descriptor, const void* bytes, std::size_t count, off_t offset) {
     struct stat status {};
@@ -348,7 +351,7 @@ ssize_t writeToAFullDisk(int descriptor, const void* bytes, std::size_t count, o
         errno = ENOSPC;
         return -1;
     }
-    return pwrite(descriptor, bytes, count, offset);
+    return WriteCall::itself(descriptor, bytes, count, offset);
 }
 
 /// A logbook of 500 records whose disk has been full since it was opened.
@@ -372,7 +375,7 @@ protected:
     }
 
     const std::unique_ptr<lgb::IDatabase> database = open(500);
-    const support::SystemCall fullDisk{{"pwrite64", "pwrite"}, writeToAFullDisk};
+    const WriteCall fullDisk{{"pwrite64", "pwrite"}, writeToAFullDisk};
 };
 
 TEST_F(SqliteDatabaseOnAFullDisk, GoesOnInTheSpaceSetAside) {
@@ -392,15 +395,15 @@ TEST_F(SqliteDatabaseOnAFullDisk, ClearsOnceTheReaderWhoHeldUpTheLogIsGone) {
     EXPECT_EQ(stored(), Texts{});
 }
 
-/// A transaction of somebody else's, which ends when SQLite has looked for a journal beside the file so many times.
+/// A transaction of somebody else's, which ends when SQLite has looked so many times whether a file is there.
 std::optional<SQLite::Transaction> elsewhere;
 int looksUntilItEnds = 0;
 
-int lookAndEndIt(const char* path, struct stat* status) {
+int lookAndEndIt(const char* path, void* status) {
     if (--looksUntilItEnds == 0) {
         elsewhere.reset();
     }
-    return stat(path, status);
+    return StatusCall::itself(path, status);
 }
 
 TEST_F(SqliteDatabase, WaitsForSomebodyElseBeforeItSwitchesToTheLog) {
@@ -409,7 +412,7 @@ TEST_F(SqliteDatabase, WaitsForSomebodyElseBeforeItSwitchesToTheLog) {
     SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
     elsewhere.emplace(other, SQLite::TransactionBehavior::IMMEDIATE);
     looksUntilItEnds = 20;
-    const support::SystemCall looking({"stat"}, lookAndEndIt);
+    const StatusCall looking({"stat"}, lookAndEndIt);
     add(*open(), "b");
     EXPECT_LE(looksUntilItEnds, 0) << "it was not in the way";
     EXPECT_EQ(stored(), (Texts{"b", "a"}));

@@ -8,15 +8,16 @@
 namespace support {
 
 /// While it lasts, SQLite makes one of its system calls through a function of the test's own.
+/// @tparam Function the call's type, structures as void*: SQLite's may be of another size than ours
+template <typename Function>
 class SystemCall {
 public:
     /// @param names that the call has in SQLite, which depend on how it was built; the first one that is there counts
-    /// @param replacement of the call's own type
-    template <typename Function>
     SystemCall(std::initializer_list<const char*> names, Function* replacement) {
         for (const char* const candidate : names) {
-            if (files->xGetSystemCall(files, candidate) != nullptr) {
+            if (const auto found = files->xGetSystemCall(files, candidate)) {
                 name = candidate;
+                itself = reinterpret_cast<Function*>(found);
                 files->xSetSystemCall(files, name, reinterpret_cast<sqlite3_syscall_ptr>(replacement));
                 return;
             }
@@ -28,6 +29,9 @@ public:
     SystemCall& operator=(const SystemCall&) = delete;
 
     ~SystemCall() { files->xSetSystemCall(files, name, nullptr); }
+
+    /// The call that was replaced.
+    static inline Function* itself = nullptr;
 
 private:
     sqlite3_vfs* const files = sqlite3_vfs_find(nullptr);
