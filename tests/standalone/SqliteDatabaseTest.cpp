@@ -395,6 +395,31 @@ TEST_F(SqliteDatabaseOnAFullDisk, ClearsOnceTheReaderWhoHeldUpTheLogIsGone) {
     EXPECT_EQ(stored(), Texts{});
 }
 
+int writesThatFail = 0;
+
+ssize_t writeToAFailingDisk(int descriptor, const void* bytes, std::size_t count, off_t offset) {
+    if (writesThatFail > 0) {
+        --writesThatFail;
+        errno = EIO;
+        return -1;
+    }
+    return WriteCall::itself(descriptor, bytes, count, offset);
+}
+
+TEST_F(SqliteDatabase, TriesNothingAgainOnAFailingDiskAndTakesTheNextRecord) {
+    const auto database = open();
+    const WriteCall failingDisk({"pwrite64", "pwrite"}, writeToAFailingDisk);
+    writesThatFail = 1;
+    try {
+        add(*database, "lost");
+        FAIL() << "tried again";
+    } catch (const standalone::DatabaseError& error) {
+        EXPECT_EQ(error.what(), file.string() + ": disk I/O error");
+    }
+    add(*database, "kept");
+    EXPECT_EQ(stored(), Texts{"kept"});
+}
+
 /// A transaction of somebody else's, which ends when SQLite has looked so many times whether a file is there.
 std::optional<SQLite::Transaction> elsewhere;
 int looksUntilItEnds = 0;
