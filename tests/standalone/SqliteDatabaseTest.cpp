@@ -1,4 +1,5 @@
 #include "DatabaseContract.h"
+#include "Syncs.h"
 #include "SystemCall.h"
 #include "TemporaryFolder.h"
 
@@ -17,6 +18,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <future>
 #include <optional>
 #include <string>
 #include <thread>
@@ -173,6 +175,12 @@ TEST_F(SqliteDatabase, SyncsEachRecordIntoAWriteAheadLog) {
     const auto database = open();
     SQLite::Database raw(file.string());
     EXPECT_EQ(raw.execAndGet("PRAGMA journal_mode").getString(), "wal");
+    add(*database, "a");
+    for (const char* text : {"b", "c", "d"}) {
+        const int before = support::syncs;
+        add(*database, text);
+        EXPECT_EQ(support::syncs, before + 1) << text;
+    }
 }
 
 TEST_F(SqliteDatabase, KeepsWhatWasAddedWhenTheWriterIsKilled) {
@@ -256,17 +264,33 @@ TEST_F(SqliteDatabase, IsMadeOnceBySeveralProcessesAtATime) {
     EXPECT_EQ(stored(), Texts(processes, "a"));
 }
 
+TEST_F(SqliteDatabase, IsMadeOnceByAllWhoFoundNothing) {
+    std::vector<std::future<void>> makers;
+    {
+        SQLite::Database other(file.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+        const SQLite::Transaction transaction(other, SQLite::TransactionBehavior::IMMEDIATE);
+        for (int maker = 0; maker < 4; ++maker) {
+            makers.push_back(std::async(std::launch::async, [this] { add(*open(), "a"); }));
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    }
+    for (std::future<void>& maker : makers) {
+        EXPECT_NO_THROW(maker.get());
+    }
+    EXPECT_EQ(stored(), Texts(4, "a"));
+}
+
 TEST_F(SqliteDatabase, WaitsForALock) {
     const auto database = open();
     SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
-    std::thread holder;
+    std::future<void> waiting;
     {
         SQLite::Transaction transaction(other, SQLite::TransactionBehavior::IMMEDIATE);
-        holder = std::thread([&database] { add(*database, "a"); });
+        waiting = std::async(std::launch::async, [&database] { add(*database, "a"); });
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         EXPECT_EQ(other.execAndGet("SELECT count(*) FROM record").getInt(), 0);
     }
-    holder.join();
+    EXPECT_NO_THROW(waiting.get());
     EXPECT_EQ(stored(), Texts{"a"});
 }
 
