@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <random>
+
+namespace support {
+
+using Random = std::mt19937;
+
+inline std::int64_t upTo(Random& random, std::int64_t most) {
+    return std::uniform_int_distribution<std::int64_t>(0, most)(random);
+}
+
+/// One time in so many.
+inline bool oneIn(Random& random, std::int64_t times) {
+    return upTo(random, times - 1) == 0;
+}
+
+}  // namespace support
