@@ -22,7 +22,8 @@ public:
 
     /// Stores one entry under the time it carries (see LogbookEntryCreator).
     /// @throws tqbase2::system::LogicError for a type or generation outside its enumeration, and whatever the database
-    ///         throws; nothing is then stored by the logbook and `changed` is not emitted
+    ///         throws; nothing is then stored by the logbook and `changed` is not emitted. An entry that was written
+    ///         but could not be synced may yet turn out stored, whole, when the logbook is opened again.
     virtual void add(const tqbase2::nsa::zel::logbook::Entry& entry) = 0;
 
     /// Removes all entries.

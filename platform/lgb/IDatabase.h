@@ -27,7 +27,8 @@ public:
     /// Up to `count` records from position `offset` of the order on, in that order; none past the end.
     virtual std::vector<DatabaseRecord> fetch(unsigned int offset, unsigned int count) = 0;
 
-    /// Stores one record; the database decides its position in the order.
+    /// Stores one record; the database decides its position in the order. A record whose `add` threw is stored whole or
+    /// not at all; which of the two may show only when the database is opened again, as when the disk failed to sync.
     virtual void add(const std::string& json, const timestamp::Timestamp& timestamp) = 0;
 
     /// Removes every record.
