@@ -1,6 +1,7 @@
 #include "vfs.h"
 
 #include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Exception.h>
 
 #include <new>
 
@@ -250,8 +251,12 @@ void Vfs::synced(const std::string&) {}
 void Vfs::folderSynced() {}
 
 std::string integrityOf(const std::filesystem::path& database) {
-    SQLite::Database connection(database.string(), SQLite::OPEN_READONLY, 0, fileSystem);
-    return connection.execAndGet("PRAGMA integrity_check").getString();
+    try {
+        SQLite::Database connection(database.string(), SQLite::OPEN_READONLY, 0, fileSystem);
+        return connection.execAndGet("PRAGMA integrity_check").getString();
+    } catch (const SQLite::Exception& exception) {
+        return exception.what();
+    }
 }
 
 }  // namespace support
