@@ -319,7 +319,7 @@ private:
 std::vector<Call> callsOf(const Script& script, support::Failures& failures, Figures& figures) {
     Session session(script, std::nullopt, failures, figures);
     session.work();
-    const std::vector<Call> calls = session.usedDisk().asked();
+    std::vector<Call> calls = session.usedDisk().asked();
     session.goOn();
     return calls;
 }
