@@ -141,7 +141,7 @@ void endAfter(std::chrono::microseconds time) {
     ending.sigev_signo = SIGKILL;
     timer_t timer{};
     itimerspec end{};
-    end.it_value.tv_nsec = std::chrono::nanoseconds(time).count();
+    end.it_value.tv_nsec = static_cast<long>(std::chrono::nanoseconds(time).count());
     if (timer_create(CLOCK_MONOTONIC, &ending, &timer) != 0 || timer_settime(timer, 0, &end, nullptr) != 0) {
         throw std::system_error(errno, std::generic_category(), "timer");
     }
