@@ -333,10 +333,10 @@ void runWith(const Fault& fault, const Script& script, support::Failures& failur
     figures.unnoticed += session.hasThrown() ? 0U : 1U;
 }
 
-void failEachCall(const Script& script, support::Failures& failures, Figures& figures) {
+void failEachCall(const Script& script, std::size_t step, support::Failures& failures, Figures& figures) {
     const std::vector<Call> calls = callsOf(script, failures, figures);
-    figures.calls += calls.size();
-    for (std::size_t call = 0; call < calls.size(); ++call) {
+    for (std::size_t call = 0; call < calls.size(); call += step) {
+        ++figures.calls;
         for (const Kind& kind : kinds) {
             if (kind.concerns(calls[call])) {
                 runWith({call, kind, false}, script, failures, figures);
@@ -347,12 +347,15 @@ void failEachCall(const Script& script, support::Failures& failures, Figures& fi
 }
 
 int run(int argc, char** argv) {
-    const support::Extent extent = support::extentOf(argc, argv, usualRounds);
+    std::size_t step = 1;
+    CLI::App app;
+    app.add_option("--every", step, "fail only each n-th call")->check(CLI::PositiveNumber);
+    const support::Extent extent = support::extentOf(argc, argv, usualRounds, app);
     Random random(extent.seed);
     support::Failures failures;
     Figures figures;
     for (std::uint64_t round = 0; round < extent.rounds; ++round) {
-        failEachCall(someScript(random), failures, figures);
+        failEachCall(someScript(random), step, failures, figures);
     }
     return failures.conclude(
         "disk faults: " + std::to_string(figures.faults) + " faults at " + std::to_string(figures.calls) + " calls, " +
