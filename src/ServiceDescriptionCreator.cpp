@@ -11,7 +11,7 @@ namespace lgb {
 
 namespace {
 
-/// The "service" member of the parameters; empty, and logged, when they can't be read: that costs the detail, not the
+/// The "service" member of the parameters; empty, and logged, when they are no JSON: that costs the detail, not the
 /// entry.
 std::string serviceDetail(const ParameterRecord& params) {
     try {

@@ -88,8 +88,8 @@ Content examine(SQLite::Database& connection) {
     if (id != applicationId) {
         throw DatabaseError("an SQLite database, but not a logbook");
     }
-    if (version > schemaVersion) {
-        throw DatabaseError("written by schema " + std::to_string(version) + ", this program reads up to " +
+    if (version != schemaVersion) {
+        throw DatabaseError("written by schema " + std::to_string(version) + ", this program reads " +
                             std::to_string(schemaVersion));
     }
     checkStructure(connection);

@@ -23,17 +23,19 @@ public:
     /// Stores one entry under the time it carries (see LogbookEntryCreator).
     /// @throws tqbase2::system::LogicError for a type or generation outside its enumeration, and whatever the database
     ///         throws; nothing is then stored by the logbook and `changed` is not emitted. An entry that was written
-    ///         but could not be synced may yet turn out stored, whole, when the logbook is opened again.
+    ///         but could not be synced may yet turn out stored, whole, when the logbook is opened again. What a slot
+    ///         throws is passed on, too: the entry is then stored.
     virtual void add(const tqbase2::nsa::zel::logbook::Entry& entry) = 0;
 
     /// Removes all entries.
-    /// @throws whatever the database throws; `changed` is then not emitted
+    /// @throws whatever the database throws, `changed` is then not emitted; and what a slot throws, when all is removed
     virtual void clear() = 0;
 
     /// One page in the database's order, each description made anew.
     /// @param offset entries to skip, 0 is the first
     /// @param count most entries to return; fewer come back when some can't be read or must not be shown
-    /// @throws whatever the database throws; an unreadable entry is logged at level 3 and left out instead
+    /// @throws whatever the database throws. An entry that can't be read is logged at level 3 and left out instead, one
+    ///         that can't be described at level 4.
     virtual std::vector<tqbase2::nsa::zel::logbook::Entry> fetch(unsigned int offset, unsigned int count) = 0;
 
     /// All entries, as `fetch` returns them.

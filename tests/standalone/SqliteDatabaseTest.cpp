@@ -320,12 +320,14 @@ TEST_F(SqliteDatabase, RefusesAForeignDatabaseAndLeavesItAlone) {
     EXPECT_EQ(support::contentOf(file), before);
 }
 
-TEST_F(SqliteDatabase, RefusesAFileOfANewerSchemaAndLeavesItAlone) {
+TEST_F(SqliteDatabase, RefusesAFileOfAnotherSchemaAndLeavesItAlone) {
     add(*open(), "a");
-    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 3");
-    const std::string before = support::contentOf(file);
-    EXPECT_EQ(refusal(), file.string() + ": written by schema 3, this program reads up to 1");
-    EXPECT_EQ(support::contentOf(file), before);
+    for (const std::string version : {"0", "3"}) {
+        SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("PRAGMA user_version = " + version);
+        const std::string before = support::contentOf(file);
+        EXPECT_EQ(refusal(), file.string() + ": written by schema " + version + ", this program reads 1");
+        EXPECT_EQ(support::contentOf(file), before);
+    }
 }
 
 TEST_F(SqliteDatabase, RefusesADamagedFileAndLeavesItAlone) {
