@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace tool {
@@ -15,10 +17,20 @@ CLI::Validator oneOf(const Words& words) {
     return CLI::IsMember(std::vector<std::string>(words.begin(), words.end())).description("");
 }
 
-/// A number of that width, both ends included.
+/// A decimal number, both ends included. Leading zeros and 0x are refused: they would be read as another base.
 template <typename Number>
 CLI::Validator between(Number least, Number most) {
-    return CLI::Range(least, most).description("");
+    const auto complaint = [least, most](const std::string& text) -> std::string {
+        Number number{};
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        const bool isDecimal =
+            error == std::errc() && end == text.data() + text.size() && (text[0] != '0' || text.size() == 1);
+        if (isDecimal && number >= least && number <= most) {
+            return "";
+        }
+        return "Value " + text + " not in range " + std::to_string(least) + " to " + std::to_string(most);
+    };
+    return {complaint, ""};
 }
 
 }  // namespace tool

@@ -200,6 +200,11 @@ TEST_F(Tool, AnswersWrongUseWithOneLine) {
     EXPECT_EQ(wrongUse("add customer error"), "tqzel-logbook: Either an id or --text is required\n");
     EXPECT_EQ(wrongUse("add customer error 5"), "tqzel-logbook: id: there is no message error 5\n");
     EXPECT_EQ(wrongUse("add customer error x"), "tqzel-logbook: id: Value x not in range 1 to 4294967295\n");
+    EXPECT_EQ(wrongUse("add customer error 014"), "tqzel-logbook: id: Value 014 not in range 1 to 4294967295\n");
+    EXPECT_EQ(wrongUse("add customer error 14 --bus 0x10"),
+              "tqzel-logbook: --bus: Value 0x10 not in range 0 to 4294967295\n");
+    EXPECT_EQ(wrongUse("add customer error 14 --unit 010"),
+              "tqzel-logbook: --unit: Value 010 not in range 0 to 2147483647\n");
     EXPECT_EQ(wrongUse("add customer error 14 --bus -1"),
               "tqzel-logbook: --bus: Value -1 not in range 0 to 4294967295\n");
     EXPECT_EQ(wrongUse("add customer info 236 --group -3"),
