@@ -1,0 +1,161 @@
+#include "BareLogbook.h"
+
+#include "samples.h"
+
+#include <standalone/checksum.h>
+
+#include <cstddef>
+#include <stdexcept>
+
+namespace bench {
+
+namespace {
+
+constexpr const char* schema = R"(
+CREATE TABLE record (
+    number      INTEGER PRIMARY KEY,
+    seconds     INTEGER NOT NULL,
+    nanoseconds INTEGER NOT NULL,
+    time        TEXT NOT NULL,
+    json        TEXT NOT NULL,
+    checksum    INTEGER NOT NULL
+) STRICT;
+CREATE TABLE cleared (through INTEGER NOT NULL) STRICT;
+INSERT INTO cleared VALUES (0);
+)";
+
+void require(bool holds, sqlite3* connection) {
+    if (!holds) {
+        throw std::runtime_error(sqlite3_errmsg(connection));
+    }
+}
+
+}  // namespace
+
+Statement::Statement(sqlite3* connection, const char* sql) {
+    require(sqlite3_prepare_v2(connection, sql, -1, &handle, nullptr) == SQLITE_OK, connection);
+}
+
+Statement& Statement::bind(int index, std::int64_t value) {
+    require(sqlite3_bind_int64(handle, index, value) == SQLITE_OK, sqlite3_db_handle(handle));
+    return *this;
+}
+
+Statement& Statement::bind(int index, std::string_view text) {
+    const int outcome = sqlite3_bind_text(handle, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+    require(outcome == SQLITE_OK, sqlite3_db_handle(handle));
+    return *this;
+}
+
+bool Statement::step() {
+    const int outcome = sqlite3_step(handle);
+    require(outcome == SQLITE_ROW || outcome == SQLITE_DONE, sqlite3_db_handle(handle));
+    return outcome == SQLITE_ROW;
+}
+
+void Statement::run() {
+    while (step()) {
+    }
+    reset();
+}
+
+std::string_view Statement::text(int column) {
+    const void* const bytes = sqlite3_column_text(handle, column);
+    return {static_cast<const char*>(bytes), static_cast<std::size_t>(sqlite3_column_bytes(handle, column))};
+}
+
+Connection::Connection(const std::string& file, int checkpointPages) {
+    require(sqlite3_open(file.c_str(), &handle) == SQLITE_OK, handle);
+    sqlite3_busy_timeout(handle, 5000);
+    execute("BEGIN");
+    execute("PRAGMA application_id");
+    execute("PRAGMA user_version");
+    execute("PRAGMA quick_check(1)");
+    execute("SELECT count(*), min(number), max(number), max(through) FROM record, cleared");
+    execute("COMMIT");
+    execute("PRAGMA journal_mode = WAL");
+    execute("PRAGMA synchronous = FULL");
+    execute("PRAGMA secure_delete = OFF");
+    execute("PRAGMA wal_autocheckpoint = " + std::to_string(checkpointPages));
+}
+
+void Connection::execute(const std::string& sql) {
+    require(sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, handle);
+}
+
+void makeFile(const std::string& file, int pageSize) {
+    sqlite3* connection = nullptr;
+    require(sqlite3_open(file.c_str(), &connection) == SQLITE_OK, connection);
+    const std::string sql = "PRAGMA page_size = " + std::to_string(pageSize) + ';' + schema;
+    require(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, connection);
+    sqlite3_close(connection);
+}
+
+BareLogbook::BareLogbook(const std::string& file, std::int64_t recordsKept, int checkpointPages)
+    : capacity(recordsKept),
+      connection(file, checkpointPages),
+      begin(connection.handle, "BEGIN IMMEDIATE"),
+      commit(connection.handle, "COMMIT"),
+      selectPage(connection.handle,
+                 "SELECT number, seconds, nanoseconds, time, json, checksum FROM record "
+                 "WHERE number <= (SELECT max(number) FROM record) - ? ORDER BY number DESC LIMIT ?"),
+      selectNextNumber(connection.handle,
+                       "SELECT 1 + coalesce((SELECT max(number) FROM record), (SELECT through FROM cleared))"),
+      insertRecord(connection.handle,
+                   "INSERT INTO record (number, seconds, nanoseconds, time, json, checksum) VALUES (?, ?, ?, ?, ?, ?)"),
+      deleteOldest(connection.handle, "DELETE FROM record WHERE number <= ?"),
+      selectCount(connection.handle,
+                  "SELECT coalesce((SELECT max(number) FROM record) - (SELECT min(number) FROM record) + 1, 0)"),
+      rememberNumber(connection.handle,
+                     "UPDATE cleared SET through = coalesce((SELECT max(number) FROM record), through)"),
+      deleteAll(connection.handle, "DELETE FROM record") {}
+
+void BareLogbook::fill(std::int64_t records) {
+    begin.run();
+    const std::int64_t first = nextNumber();
+    for (std::int64_t number = first; number < first + records; ++number) {
+        const lgb::DatabaseRecord record{sampleTime(), sampleOf(static_cast<std::uint64_t>(number)).json};
+        insert(number, record.json, record.timestamp, standalone::checksum(number, record));
+    }
+    commit.run();
+}
+
+void BareLogbook::add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
+    begin.run();
+    const std::int64_t number = nextNumber();
+    insert(number, json, timestamp, 0);
+    if (capacity > 0 && number > capacity) {
+        deleteOldest.bind(1, number - capacity).run();
+    }
+    commit.run();
+}
+
+std::int64_t BareLogbook::nextNumber() {
+    selectNextNumber.step();
+    const std::int64_t number = selectNextNumber.number(0);
+    selectNextNumber.reset();
+    return number;
+}
+
+void BareLogbook::insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp,
+                         std::int64_t checksum) {
+    insertRecord.bind(1, number).bind(2, timestamp.seconds).bind(3, timestamp.nanoseconds);
+    insertRecord.bind(4, timestamp.text).bind(5, json).bind(6, checksum);
+    insertRecord.run();
+}
+
+void BareLogbook::clear() {
+    begin.run();
+    rememberNumber.run();
+    deleteAll.run();
+    commit.run();
+}
+
+std::int64_t BareLogbook::count() {
+    selectCount.step();
+    const std::int64_t records = selectCount.number(0);
+    selectCount.reset();
+    return records;
+}
+
+}  // namespace bench
