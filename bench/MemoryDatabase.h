@@ -3,6 +3,7 @@
 #include <lgb/IDatabase.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <deque>
 #include <string>
 #include <vector>
@@ -13,8 +14,9 @@ namespace bench {
 class MemoryDatabase : public lgb::IDatabase {
 public:
     std::vector<lgb::DatabaseRecord> fetch(unsigned int offset, unsigned int number) override {
-        const auto from = records.begin() + std::min<std::ptrdiff_t>(offset, std::ptrdiff_t(records.size()));
-        return {from, from + std::min<std::ptrdiff_t>(number, records.end() - from)};
+        const std::size_t first = std::min<std::size_t>(offset, records.size());
+        const std::size_t last = first + std::min<std::size_t>(number, records.size() - first);
+        return {at(first), at(last)};
     }
 
     void add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) override {
@@ -26,6 +28,10 @@ public:
     unsigned int count() override { return static_cast<unsigned int>(records.size()); }
 
 private:
+    std::deque<lgb::DatabaseRecord>::const_iterator at(std::size_t index) const {
+        return records.begin() + static_cast<std::ptrdiff_t>(index);
+    }
+
     std::deque<lgb::DatabaseRecord> records;
 };
 

@@ -6,6 +6,7 @@
 #include <nsa/zel/converter/zel/structs/LogbookEntryConverter.h>
 #include <tqbase2/system/JsonUtility.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -61,7 +62,7 @@ inline const std::vector<Sample>& samples() {
 }
 
 inline const Sample& sampleOf(std::uint64_t number) {
-    return samples()[number % samples().size()];
+    return samples()[static_cast<std::size_t>(number % samples().size())];
 }
 
 /// The description of a sample by plain appends.
