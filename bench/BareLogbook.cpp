@@ -79,7 +79,7 @@ Connection::Connection(const std::string& file, int checkpointPages) {
     execute("PRAGMA wal_autocheckpoint = " + std::to_string(checkpointPages));
 }
 
-void Connection::execute(const std::string& sql) {
+void Connection::execute(const std::string& sql) const {
     require(sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, handle);
 }
 

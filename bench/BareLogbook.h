@@ -46,7 +46,7 @@ public:
 
     ~Connection() { sqlite3_close_v2(handle); }
 
-    void execute(const std::string& sql);
+    void execute(const std::string& sql) const;
 
     sqlite3* handle = nullptr;
 };

@@ -9,7 +9,13 @@ namespace bench {
 /// What is measured: `run`, on what `prepare` has put in place.
 struct Work {
     std::function<void()> run;
-    std::function<void()> prepare = [] {};
+    std::function<void()> prepare = {};  ///< may be missing
+
+    void doPrepare() const {
+        if (prepare) {
+            prepare();
+        }
+    }
 };
 
 /// Something that a user does with the library, and its floor: the same with nothing but the unavoidable.

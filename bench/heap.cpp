@@ -14,12 +14,12 @@ using support::MemorySupply;
 
 void measure(const bench::Case& measured, const char* side) {
     const bench::Work work = bench::workOf(measured, side);
-    work.prepare();
+    work.doPrepare();
     work.run();
     std::uint64_t requests = 0;
     std::int64_t most = 0;
     for (unsigned int i = 0; i < measured.runs; ++i) {
-        work.prepare();
+        work.doPrepare();
         const std::int64_t before = support::memorySupply.bytes;
         const support::Shortage none(MemorySupply::never, MemorySupply::never);
         work.run();

@@ -16,11 +16,11 @@ void list() {
 }
 
 void measure(const bench::Work& work, unsigned int runs) {
-    work.prepare();
+    work.doPrepare();
     work.run();
     bench::section::warmedUp();
     for (unsigned int i = 0; i < runs; ++i) {
-        work.prepare();
+        work.doPrepare();
         bench::section::begin();
         work.run();
         bench::section::end();

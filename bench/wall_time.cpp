@@ -13,7 +13,7 @@ namespace {
 using support::MemorySupply;
 
 double requestsOf(const bench::Work& work) {
-    work.prepare();
+    work.doPrepare();
     const support::Shortage none(MemorySupply::never, MemorySupply::never);
     work.run();
     return static_cast<double>(support::memorySupply.asked);
@@ -23,10 +23,12 @@ void measure(benchmark::State& state, const bench::Case& measured, const std::st
     const bench::Work work = bench::workOf(measured, side);
     requestsOf(work);
     state.counters["requests"] = requestsOf(work);
-    for (auto _ : state) {
-        state.PauseTiming();
-        work.prepare();
-        state.ResumeTiming();
+    while (state.KeepRunning()) {
+        if (work.prepare) {  // stopping the clock takes longer than making a text
+            state.PauseTiming();
+            work.prepare();
+            state.ResumeTiming();
+        }
         work.run();
     }
 }
