@@ -255,7 +255,7 @@ Case clear() {
 /// The files of both logbooks, full.
 struct Files {
     Files() {
-        const lgb::ZelLogbook makesThem(factory, lgb::LogbookFactory());
+        { const lgb::ZelLogbook makesThem(factory, lgb::LogbookFactory()); }
         BareLogbook(customerFile).fill(customerCapacity);
         BareLogbook(serviceFile).fill(serviceCapacity);
     }
