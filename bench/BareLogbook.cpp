@@ -2,8 +2,6 @@
 
 #include "samples.h"
 
-#include <standalone/checksum.h>
-
 #include <cstddef>
 #include <stdexcept>
 
@@ -114,8 +112,8 @@ void BareLogbook::fill(std::int64_t records) {
     begin.run();
     const std::int64_t first = nextNumber();
     for (std::int64_t number = first; number < first + records; ++number) {
-        const lgb::DatabaseRecord record{sampleTime(), sampleOf(static_cast<std::uint64_t>(number)).json};
-        insert(number, record.json, record.timestamp, standalone::checksum(number, record));
+        const std::string& json = sampleOf(static_cast<std::uint64_t>(number)).json;
+        insert(number, json, sampleTime());
     }
     commit.run();
 }
@@ -123,7 +121,7 @@ void BareLogbook::fill(std::int64_t records) {
 void BareLogbook::add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
     begin.run();
     const std::int64_t number = nextNumber();
-    insert(number, json, timestamp, 0);
+    insert(number, json, timestamp);
     if (capacity > 0 && number > capacity) {
         deleteOldest.bind(1, number - capacity).run();
     }
@@ -137,10 +135,10 @@ std::int64_t BareLogbook::nextNumber() {
     return number;
 }
 
-void BareLogbook::insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp,
-                         std::int64_t checksum) {
-    insertRecord.bind(1, number).bind(2, timestamp.seconds).bind(3, timestamp.nanoseconds);
-    insertRecord.bind(4, timestamp.text).bind(5, json).bind(6, checksum);
+void BareLogbook::insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
+    const auto& [seconds, nanoseconds, time] = timestamp;
+    insertRecord.bind(1, number).bind(2, seconds).bind(3, nanoseconds).bind(4, time).bind(5, json);
+    insertRecord.bind(6, standalone::checksum({number, seconds, nanoseconds, time, json}));
     insertRecord.run();
 }
 

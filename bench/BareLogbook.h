@@ -1,10 +1,12 @@
 #pragma once
 
 #include <lgb/timestamp.h>
+#include <standalone/checksum.h>
 
 #include <sqlite3.h>
 
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -55,7 +57,7 @@ public:
 void makeFile(const std::string& file, int pageSize);
 
 /// The floor below the standalone platform's database: the same file, statements and settings, each statement prepared
-/// once, and no check of what comes out.
+/// once. The check value of each record is part of it: without, damage would be shown as if it had happened.
 class BareLogbook {
 public:
     static constexpr int shippedCheckpointPages = 16;
@@ -72,8 +74,12 @@ public:
     void fetch(std::int64_t offset, std::int64_t count, Row row) {
         selectPage.bind(1, offset).bind(2, count);
         while (selectPage.step()) {
-            selectPage.number(0), selectPage.number(1), selectPage.number(2), selectPage.text(3), selectPage.number(5);
-            row(selectPage.text(4));
+            const standalone::NumberedRecord record{selectPage.number(0), selectPage.number(1), selectPage.number(2),
+                                                    selectPage.text(3), selectPage.text(4)};
+            if (standalone::checksum(record) != selectPage.number(5)) {
+                throw std::runtime_error("a damaged record");
+            }
+            row(record.json);
         }
         selectPage.reset();
     }
@@ -85,9 +91,7 @@ public:
 private:
     std::int64_t nextNumber();
 
-    /// @param checksum is looked at by the standalone platform alone
-    void insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp,
-                std::int64_t checksum);
+    void insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp);
 
     std::int64_t capacity;
     Connection connection;

@@ -98,13 +98,15 @@ Content examine(SQLite::Database& connection) {
 }
 
 Content contentOf(SQLite::Database& connection) {
-    const Transaction transaction(connection, Transaction::reading);
+    TransactionStatements statements(connection, TransactionStatements::reading);
+    const Transaction transaction(statements);
     return examine(connection);
 }
 
 /// Somebody else may be making the same logbook at this moment: whoever gets the lock first does.
 void makeLogbook(SQLite::Database& connection) {
-    Transaction transaction(connection, Transaction::writing);
+    TransactionStatements statements(connection, TransactionStatements::writing);
+    Transaction transaction(statements);
     if (examine(connection) == Content::Nothing) {
         connection.exec("PRAGMA application_id = " + std::to_string(applicationId));
         connection.exec("PRAGMA user_version = " + std::to_string(schemaVersion));

@@ -1,7 +1,6 @@
 #include "SqliteDatabase.h"
 
 #include "LogbookFile.h"
-#include "Transaction.h"
 #include "checksum.h"
 
 #include <tqbase2/system/log/detail.h>
@@ -9,6 +8,7 @@
 #include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace lgb {
@@ -42,6 +42,9 @@ DELETE FROM record;
 constexpr const char* countSql = R"(
 SELECT coalesce((SELECT max(number) FROM record) - (SELECT min(number) FROM record) + 1, 0))";
 
+// Room that is made at once for a page; a longer one grows.
+constexpr unsigned int usualPage = 100;
+
 void logDamage(const std::string& file, std::int64_t number) {
     constexpr unsigned int error = 4;  // the highest level, which nothing switches off
     constexpr const char* channel = "libTqZelPlatform";
@@ -49,26 +52,27 @@ void logDamage(const std::string& file, std::int64_t number) {
                                       file + ": record " + std::to_string(number) + " is damaged and left out");
 }
 
-/// Ends a statement's use: a statement left standing keeps a read transaction open.
-class Use {
-public:
-    explicit Use(SQLite::Statement& used) : statement(used) {}
-
-    Use(const Use&) = delete;
-    Use& operator=(const Use&) = delete;
-
-    ~Use() { statement.tryReset(); }
-
-private:
-    SQLite::Statement& statement;
-};
-
 }  // namespace
+
+template <typename Operation>
+auto SqliteDatabase::guarded(Operation operation) {
+    const std::lock_guard lock(mutex);
+    try {
+        return operation();
+    } catch (const SQLite::Exception& exception) {
+        refuse(file, exception);
+    }
+}
+
+Statement SqliteDatabase::prepare(const char* sql) {
+    return guarded([&] { return Statement(connection, sql); });
+}
 
 SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKept)
     : file(path),
       capacity(recordsKept),
       connection(openLogbook(path, recordsKept)),
+      transactions(guarded([this] { return TransactionStatements(connection, TransactionStatements::writing); })),
       selectPage(prepare(pageSql)),
       selectNextNumber(prepare(nextNumberSql)),
       insertRecord(prepare(insertSql)),
@@ -81,25 +85,11 @@ SqliteDatabase::~SqliteDatabase() {
     }
 }
 
-template <typename Operation>
-auto SqliteDatabase::guarded(Operation operation) {
-    const std::lock_guard lock(mutex);
-    try {
-        return operation();
-    } catch (const SQLite::Exception& exception) {
-        refuse(file, exception);
-    }
-}
-
-SQLite::Statement SqliteDatabase::prepare(const char* sql) {
-    return guarded([&] { return SQLite::Statement(connection, sql); });
-}
-
 template <typename Change>
 void SqliteDatabase::commit(Change change) {
     guarded([&] {
         const auto attempt = [&] {
-            Transaction transaction(connection, Transaction::writing);
+            Transaction transaction(transactions);
             change();
             transaction.commit();
             written = true;
@@ -122,13 +112,14 @@ std::vector<lgb::DatabaseRecord> SqliteDatabase::fetch(unsigned int offset, unsi
         selectPage.bind(1, std::int64_t{offset});
         selectPage.bind(2, std::int64_t{count});
         std::vector<lgb::DatabaseRecord> page;
-        while (selectPage.executeStep()) {
-            const std::int64_t number = selectPage.getColumn(0);
-            lgb::DatabaseRecord record{{selectPage.getColumn(1), selectPage.getColumn(2), selectPage.getColumn(3)},
-                                       selectPage.getColumn(4)};
-            if (checksum(number, record) == selectPage.getColumn(5).getInt64()) {
-                page.push_back(std::move(record));
-            } else {
+        page.reserve(std::min(count, usualPage));
+        while (selectPage.step()) {
+            const std::int64_t number = selectPage.number(0);
+            lgb::DatabaseRecord& record = page.emplace_back(lgb::DatabaseRecord{
+                {selectPage.number(1), selectPage.number(2), selectPage.text(3)}, selectPage.text(4)});
+            const auto& [seconds, nanoseconds, time] = record.timestamp;
+            if (checksum({number, seconds, nanoseconds, time, record.json}) != selectPage.number(5)) {
+                page.pop_back();
                 logDamage(file, number);
             }
         }
@@ -139,30 +130,29 @@ std::vector<lgb::DatabaseRecord> SqliteDatabase::fetch(unsigned int offset, unsi
 void SqliteDatabase::add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
     commit([&] {
         const std::int64_t number = nextNumber();
-        insert(number, {timestamp, json});
+        insert(number, json, timestamp);
         if (capacity > 0 && number > capacity) {
-            const Use use(deleteOldest);
             deleteOldest.bind(1, number - capacity);
-            deleteOldest.exec();
+            deleteOldest.run();
         }
     });
 }
 
 std::int64_t SqliteDatabase::nextNumber() {
     const Use use(selectNextNumber);
-    selectNextNumber.executeStep();
-    return selectNextNumber.getColumn(0);
+    selectNextNumber.step();
+    return selectNextNumber.number(0);
 }
 
-void SqliteDatabase::insert(std::int64_t number, const lgb::DatabaseRecord& record) {
-    const Use use(insertRecord);
+void SqliteDatabase::insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
+    const auto& [seconds, nanoseconds, time] = timestamp;
     insertRecord.bind(1, number);
-    insertRecord.bind(2, record.timestamp.seconds);
-    insertRecord.bind(3, record.timestamp.nanoseconds);
-    insertRecord.bind(4, record.timestamp.text);
-    insertRecord.bind(5, record.json);
-    insertRecord.bind(6, std::int64_t{checksum(number, record)});
-    insertRecord.exec();
+    insertRecord.bind(2, seconds);
+    insertRecord.bind(3, nanoseconds);
+    insertRecord.bind(4, time);
+    insertRecord.bind(5, json);
+    insertRecord.bind(6, std::int64_t{checksum({number, seconds, nanoseconds, time, json})});
+    insertRecord.run();
 }
 
 void SqliteDatabase::clear() {
@@ -172,8 +162,8 @@ void SqliteDatabase::clear() {
 unsigned int SqliteDatabase::count() {
     return guarded([&] {
         const Use use(selectCount);
-        selectCount.executeStep();
-        return selectCount.getColumn(0).getUInt();
+        selectCount.step();
+        return static_cast<unsigned int>(selectCount.number(0));
     });
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Transaction.h"
+
 #include <lgb/IDatabase.h>
 
 #include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Statement.h>
 
 #include <cstdint>
 #include <mutex>
@@ -34,24 +35,25 @@ private:
     template <typename Operation>
     auto guarded(Operation operation);
 
-    SQLite::Statement prepare(const char* sql);
+    Statement prepare(const char* sql);
 
     /// Makes a change in one transaction, and once more with room made in the log when the disk is full.
     template <typename Change>
     void commit(Change change);
 
     std::int64_t nextNumber();
-    void insert(std::int64_t number, const lgb::DatabaseRecord& record);
+    void insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp);
 
     std::mutex mutex;  // statements are not to be shared
     std::string file;
     std::int64_t capacity;
     SQLite::Database connection;
-    SQLite::Statement selectPage;
-    SQLite::Statement selectNextNumber;
-    SQLite::Statement insertRecord;
-    SQLite::Statement deleteOldest;
-    SQLite::Statement selectCount;
+    TransactionStatements transactions;
+    Statement selectPage;
+    Statement selectNextNumber;
+    Statement insertRecord;
+    Statement deleteOldest;
+    Statement selectCount;
     bool written = false;
 };
 

@@ -1,38 +1,44 @@
 #pragma once
 
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Statement.h>
+#include "Statement.h"
 
 namespace standalone {
+
+/// What begins and ends transactions: prepared once, as that costs more than what they do.
+struct TransactionStatements {
+    static constexpr const char* reading = "BEGIN";
+    static constexpr const char* writing = "BEGIN IMMEDIATE";
+
+    TransactionStatements(SQLite::Database& connection, const char* beginning)
+        : begin(connection, beginning), commit(connection, "COMMIT"), rollback(connection, "ROLLBACK") {}
+
+    Statement begin;
+    Statement commit;
+    Statement rollback;
+};
 
 /// Rolls back unless committed, even when there is no memory left: an exception on the way would end the program, and a
 /// transaction left open would fail every operation to come.
 class Transaction {
 public:
-    static constexpr const char* reading = "BEGIN";
-    static constexpr const char* writing = "BEGIN IMMEDIATE";
-
-    Transaction(SQLite::Database& database, const char* begin) : connection(database), rollback(database, "ROLLBACK") {
-        connection.exec(begin);
-    }
+    explicit Transaction(TransactionStatements& prepared) : statements(prepared) { statements.begin.run(); }
 
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
     ~Transaction() {
         if (!committed) {
-            rollback.tryExecuteStep();
+            statements.rollback.tryRun();
         }
     }
 
     void commit() {
-        connection.exec("COMMIT");
+        statements.commit.run();
         committed = true;
     }
 
 private:
-    SQLite::Database& connection;
-    SQLite::Statement rollback;
+    TransactionStatements& statements;
     bool committed = false;
 };
 

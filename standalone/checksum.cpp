@@ -1,36 +1,50 @@
 #include "checksum.h"
 
-#include <boost/crc.hpp>
+#include <zlib.h>
 
-#include <string>
+#include <array>
+#include <cstddef>
 
 namespace standalone {
 
 namespace {
 
-/// The same bytes on every machine.
-void process(boost::crc_32_type& crc, std::uint64_t number) {
-    for (int shift = 0; shift < 64; shift += 8) {
-        crc.process_byte(static_cast<unsigned char>(number >> shift));
+class Crc32 {
+public:
+    /// The same bytes on every machine.
+    void add(std::uint64_t number) {
+        std::array<unsigned char, sizeof number> bytes{};
+        for (unsigned char& byte : bytes) {
+            byte = static_cast<unsigned char>(number);
+            number >>= 8;
+        }
+        add(bytes.data(), bytes.size());
     }
-}
 
-/// Its length first: a byte that moves from one text to the next is a change.
-void process(boost::crc_32_type& crc, const std::string& text) {
-    process(crc, std::uint64_t{text.size()});
-    crc.process_bytes(text.data(), text.size());
-}
+    /// Its length first: a byte that moves from one text to the next is a change.
+    void add(std::string_view text) {
+        add(std::uint64_t{text.size()});
+        add(reinterpret_cast<const unsigned char*>(text.data()), text.size());
+    }
+
+    std::uint32_t value() const { return static_cast<std::uint32_t>(state); }
+
+private:
+    void add(const unsigned char* bytes, std::size_t size) { state = crc32_z(state, bytes, size); }
+
+    uLong state = 0;
+};
 
 }  // namespace
 
-std::uint32_t checksum(std::int64_t number, const lgb::DatabaseRecord& record) {
-    boost::crc_32_type crc;
-    process(crc, static_cast<std::uint64_t>(number));
-    process(crc, static_cast<std::uint64_t>(record.timestamp.seconds));
-    process(crc, static_cast<std::uint64_t>(record.timestamp.nanoseconds));
-    process(crc, record.timestamp.text);
-    process(crc, record.json);
-    return static_cast<std::uint32_t>(crc.checksum());
+std::uint32_t checksum(const NumberedRecord& record) {
+    Crc32 crc;
+    crc.add(static_cast<std::uint64_t>(record.number));
+    crc.add(static_cast<std::uint64_t>(record.seconds));
+    crc.add(static_cast<std::uint64_t>(record.nanoseconds));
+    crc.add(record.time);
+    crc.add(record.json);
+    return crc.value();
 }
 
 }  // namespace standalone
