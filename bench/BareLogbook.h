@@ -60,7 +60,7 @@ void makeFile(const std::string& file, int pageSize);
 /// once. The check value of each record is part of it: without, damage would be shown as if it had happened.
 class BareLogbook {
 public:
-    static constexpr int shippedCheckpointPages = 16;
+    static constexpr int shippedCheckpointPages = 64;
 
     /// @param recordsKept beyond which adding drops the oldest; 0: all
     explicit BareLogbook(const std::string& file, std::int64_t recordsKept = 0,

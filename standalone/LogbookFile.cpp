@@ -36,6 +36,9 @@ CREATE TABLE cleared (through INTEGER NOT NULL) STRICT;
 INSERT INTO cleared VALUES (0);
 )";
 
+// A commit writes each page that it touches whole. Of a record as the library makes it three fit into a page.
+constexpr int pageBytes = 1024;
+
 // A record as the library makes it takes 200 to 300 bytes, and the oldest and newest pages are not full.
 constexpr std::int64_t bytesPerRecord = 400;
 
@@ -105,6 +108,7 @@ Content contentOf(SQLite::Database& connection) {
 
 /// Somebody else may be making the same logbook at this moment: whoever gets the lock first does.
 void makeLogbook(SQLite::Database& connection) {
+    connection.exec("PRAGMA page_size = " + std::to_string(pageBytes));  // fixed once the transaction has begun
     TransactionStatements statements(connection, TransactionStatements::writing);
     Transaction transaction(statements);
     if (examine(connection) == Content::Nothing) {

@@ -144,7 +144,7 @@ int main(int argc, char** argv) {
             logbooks.damage(logbooks.content.substr(0, length));
             expectNoticed(logbooks, "cut at " + std::to_string(length), errors, failures, figures);
         };
-        constexpr std::size_t page = 4096;
+        constexpr std::size_t page = 1024;
         for (std::size_t length = page; length < logbooks.content.size(); length += page) {
             cutAt(length);
         }

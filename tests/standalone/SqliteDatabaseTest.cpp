@@ -171,6 +171,22 @@ TEST_F(SqliteDatabase, OfCapacity500Keeps500OutOf20000InAFileThatStopsGrowing) {
     EXPECT_EQ(stored(), countingDown(20000, 19501));
 }
 
+TEST_F(SqliteDatabase, MakesFilesOfPagesThatHoldAFewRecords) {
+    add(*open(), "a");
+    EXPECT_EQ(SQLite::Database(file.string()).execAndGet("PRAGMA page_size").getInt(), 1024);
+}
+
+TEST_F(SqliteDatabase, GoesOnWithAFileOfLargerPages) {
+    {
+        addNumbers(*open(), 1, 3);
+        SQLite::Database older(file.string(), SQLite::OPEN_READWRITE);
+        older.exec("PRAGMA journal_mode = DELETE; PRAGMA page_size = 4096; VACUUM");
+    }
+    addNumbers(*open(), 4, 500);
+    EXPECT_EQ(SQLite::Database(file.string()).execAndGet("PRAGMA page_size").getInt(), 4096);
+    EXPECT_EQ(stored(), countingDown(500, 1));
+}
+
 TEST_F(SqliteDatabase, SyncsEachRecordIntoAWriteAheadLog) {
     const auto database = open();
     SQLite::Database raw(file.string());
@@ -333,7 +349,9 @@ TEST_F(SqliteDatabase, RefusesAFileOfAnotherSchemaAndLeavesItAlone) {
 TEST_F(SqliteDatabase, RefusesADamagedFileAndLeavesItAlone) {
     addNumbers(*open(), 1, 500);
     std::string content = support::contentOf(file);
-    content.replace(4096, 4096, std::string(4096, '\xff'));
+    const auto pageBytes =
+        static_cast<std::size_t>(SQLite::Database(file.string()).execAndGet("PRAGMA page_size").getInt());
+    content.replace(pageBytes, pageBytes, std::string(pageBytes, '\xff'));
     support::write(file, content);
     EXPECT_EQ(refusal(), file.string() + ": damaged: Page 2: btreeInitPage() returns error code 11");
     EXPECT_EQ(support::contentOf(file), content);
