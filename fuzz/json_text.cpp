@@ -1,5 +1,6 @@
 // Any bytes as JSON text, and as a string within a JSON value.
 
+#include "jsoncpp.h"
 #include "require.h"
 
 #include <tqbase2/cia/StringConverter.h>
@@ -25,14 +26,19 @@ std::optional<Json::Value> parsed(const std::string& text) {
 }
 
 void requireToComeBack(const Json::Value& value) {
-    fuzz::require(parsed(JsonUtility::toJsonString(value)) == value, "a value comes back from its text");
+    const std::string text = JsonUtility::toJsonString(value);
+    fuzz::require(text == support::writtenByJsoncpp(value), "a value is written as by jsoncpp");
+    fuzz::require(parsed(text) == value, "a value comes back from its text");
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(data, data + size);
-    if (const auto value = parsed(bytes)) {
+    const auto value = parsed(bytes);
+    const bool blank = bytes.find_first_not_of(" \t\r\n") == std::string::npos;  // reads as null
+    fuzz::require(blank || value == support::readByJsoncpp(bytes), "a text is read as by jsoncpp");
+    if (value) {
         requireToComeBack(*value);
     }
     const Json::Value text = StringConverter::fromValToJsonValue(bytes);
