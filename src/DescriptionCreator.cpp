@@ -13,6 +13,7 @@
 #include <tqbase2/system/Exception.h>
 
 #include <cstdint>
+#include <utility>
 
 namespace lgb {
 
@@ -69,7 +70,8 @@ bool DescriptionCreator::createZel(LogbookEntry& entry, const ParameterRecord& p
     }
     try {
         const code::Code code(static_cast<std::uint32_t>(entry.code), entry.type);
-        entry.description += text(code, params);
+        std::string message = text(code, params);
+        entry.description = entry.description.empty() ? std::move(message) : entry.description + message;
     } catch (const Exception& exception) {
         logFailure("createZel", exception);
         return false;

@@ -36,6 +36,17 @@ void logUnreadable(const DatabaseRecord& record, const std::exception& exception
     }
 }
 
+/// @return whether the entry is to be shown
+bool read(const DatabaseRecord& record, DescriptionCreator& descriptionCreator, LogbookEntry& entry) {
+    try {
+        entry = LogbookEntryConverter::fromJsonToVal(JsonUtility::toJsonValue(record.json));
+        return descriptionCreator.create(entry);
+    } catch (const std::exception& exception) {
+        logUnreadable(record, exception);
+        return false;
+    }
+}
+
 }  // namespace
 
 ILogbook::ILogbook() = default;
@@ -65,18 +76,15 @@ std::vector<Entry> Logbook::fetch(unsigned int offset, unsigned int count) {
         platformlog::log(logging::information, logging::channel,
                          createStr("fetch ", std::to_string(offset), ' ', std::to_string(count)));
     }
+    std::vector<DatabaseRecord> records = database.fetch(offset, count);
     std::vector<Entry> page;
-    for (const DatabaseRecord& record : database.fetch(offset, count)) {
-        Entry entry;
-        entry.timestamp = record.timestamp;
-        try {
-            static_cast<LogbookEntry&>(entry) =
-                LogbookEntryConverter::fromJsonToVal(JsonUtility::toJsonValue(record.json));
-            if (descriptionCreator->create(entry)) {
-                page.push_back(std::move(entry));
-            }
-        } catch (const std::exception& exception) {
-            logUnreadable(record, exception);
+    page.reserve(records.size());
+    for (DatabaseRecord& record : records) {
+        Entry& entry = page.emplace_back();
+        if (read(record, *descriptionCreator, entry)) {
+            entry.timestamp = std::move(record.timestamp);
+        } else {
+            page.pop_back();
         }
     }
     return page;

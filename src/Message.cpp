@@ -5,7 +5,9 @@
 namespace lgb {
 
 std::string compose(std::string_view words, const ParameterRecord& params) {
+    constexpr std::size_t usualLength = 120;
     std::string text;
+    text.reserve(usualLength);
     for (std::size_t open = words.find('{'); open != std::string_view::npos; open = words.find('{')) {
         const std::size_t close = words.find('}', open);
         const Place& place = places[indexOfPlace(words.substr(open + 1, close - open - 1))];

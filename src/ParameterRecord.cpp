@@ -6,7 +6,7 @@ namespace lgb {
 
 const Json::Value& ParameterRecord::operator[](const char* key) const {
     if (!parsed) {
-        parsed = tqbase2::system::JsonUtility::toJsonValue(text);
+        parsed.emplace(tqbase2::system::JsonUtility::toJsonValue(text));
     }
     return static_cast<const Json::Value&>(*parsed)[key];
 }

@@ -37,7 +37,8 @@ bool ServiceDescriptionCreator::create(tqbase2::nsa::zel::structs::LogbookEntry&
     }
     const std::string detail = serviceDetail(params);
     if (!detail.empty()) {
-        entry.description += ' ' + detail;
+        entry.description += ' ';
+        entry.description += detail;
     }
     return true;
 }

@@ -14,9 +14,8 @@ std::string numberText(std::int64_t number) {
 }  // namespace
 
 std::string UnitDeviceDescriptionCreator::create(const tqbase2::nsa::zel::structs::LogbookEntry& entry) {
-    const std::string device = numberText(entry.details.device);
-    const std::string unit = numberText(entry.details.unit);
-    return device.empty() && unit.empty() ? "" : createString(device, unit);
+    const auto& [unit, device, params, generation] = entry.details;
+    return device < 0 && unit < 0 ? "" : createString(numberText(device), numberText(unit));
 }
 
 std::string getStr(bool valid, int value) {

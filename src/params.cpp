@@ -1,6 +1,5 @@
 #include "keys.h"
 
-#include <businesslogic/zel/toStringFixed.h>
 #include <lgb/params.h>
 #include <nsa/zel/converter/zel/enums/InterlockModeConverter.h>
 #include <nsa/zel/converter/zel/enums/OperatingClassConverter.h>
@@ -8,6 +7,7 @@
 #include <nsa/zel/converter/zel/enums/SystemConfigRoleConverter.h>
 #include <tqbase2/system/JsonUtility.h>
 
+#include <cstdint>
 #include <initializer_list>
 #include <utility>
 
@@ -108,7 +108,7 @@ std::string OutputModeStr(OutputMode outputMode) {
         case OutputMode::Power:
             return "High Power";
         default:
-            return businesslogic::zel::toStringFixed<int, 3, true>(static_cast<int>(outputMode));
+            return std::to_string(static_cast<std::int32_t>(outputMode));
     }
 }
 
@@ -116,9 +116,9 @@ std::string OperatingClassStr(OperatingClass operatingClass) {
     switch (operatingClass) {
         case OperatingClass::AB:
         case OperatingClass::A:
-            return businesslogic::zel::toStringFixed<OperatingClass, 3, true>(operatingClass);
+            return std::string(spelling(operatingClassSpellings, operatingClass));
         default:
-            return businesslogic::zel::toStringFixed<int, 3, true>(static_cast<int>(operatingClass));
+            return std::to_string(static_cast<std::int32_t>(operatingClass));
     }
 }
 

@@ -22,13 +22,24 @@ inline Json::Value toJson(std::string_view text, const boost::source_location& l
     if (text.empty()) {
         boost::throw_exception(system::LogicError(), location);
     }
-    return Json::Value(std::string(text));
+    return Json::Value(text.data(), text.data() + text.size());
+}
+
+/// The text of a value, which one that is not a string is converted to.
+inline std::string_view textOf(const Json::Value& value, std::string& converted) {
+    const char* begin = nullptr;
+    const char* end = nullptr;
+    if (value.getString(&begin, &end)) {
+        return {begin, static_cast<std::size_t>(end - begin)};
+    }
+    return converted = value.asString();
 }
 
 /// The index of a spelling, 0 for none. Compiled once for all enumerations.
 inline std::size_t indexFromJson(const std::string_view* spellings, std::size_t count, const Json::Value& value,
                                  const boost::source_location& location) {
-    const std::string text = value.asString();
+    std::string converted;
+    const std::string_view text = textOf(value, converted);
     const auto* const end = spellings + count;
     const auto* const found = std::find(spellings, end, text);
     if (found != end) {
@@ -38,7 +49,8 @@ inline std::size_t indexFromJson(const std::string_view* spellings, std::size_t 
         return 0;
     }
     if (system::log::detail::isEnabled(logging::error, logging::channel)) {
-        system::log::detail::log(logging::error, logging::channel, "No valid conversion to enum for value " + text);
+        system::log::detail::log(logging::error, logging::channel,
+                                 "No valid conversion to enum for value " + std::string(text));
     }
     boost::throw_exception(system::LogicError(), location);
 }

@@ -2,6 +2,7 @@
 
 #include <nsa/zel/converter/zel/enums/LogbookEntryTypeConverter.h>
 #include <nsa/zel/converter/zel/structs/LogbookEntryDetailsConverter.h>
+#include <nsa/zel/converter/zel/structs/members.h>
 #include <nsa/zel/structs/LogbookEntry.h>
 
 #include <json/value.h>
@@ -15,21 +16,22 @@ public:
     /// @throws system::LogicError for a type or generation outside its enumeration
     static Json::Value fromValToJsonValue(const LogbookEntry& entry) {
         Json::Value json;
-        json["type"] = enums::LogbookEntryTypeConverter::fromValToJsonValue(entry.type);
-        json["code"] = Json::UInt64{entry.code};
-        json["description"] = entry.description;
-        json["details"] = LogbookEntryDetailsConverter::fromValToJsonValue(entry.details);
+        json[Json::StaticString("type")] = enums::LogbookEntryTypeConverter::fromValToJsonValue(entry.type);
+        json[Json::StaticString("code")] = Json::UInt64{entry.code};
+        json[Json::StaticString("description")] = entry.description;
+        json[Json::StaticString("details")] = LogbookEntryDetailsConverter::fromValToJsonValue(entry.details);
         return json;
     }
 
     /// Missing members read as 0, empty, Info and Unknown; members it does not know are ignored.
     /// @throws system::LogicError for an unknown type or generation; Json::LogicError for a member of another JSON type
     static LogbookEntry fromJsonToVal(const Json::Value& json) {
+        const auto [code, description, details, type] = members<4>(json, {"code", "description", "details", "type"});
         LogbookEntry entry;
-        entry.type = enums::LogbookEntryTypeConverter::fromJsonToVal(json["type"]);
-        entry.code = json["code"].asUInt64();
-        entry.description = json["description"].asString();
-        entry.details = LogbookEntryDetailsConverter::fromJsonToVal(json["details"]);
+        entry.type = enums::LogbookEntryTypeConverter::fromJsonToVal(*type);
+        entry.code = code->asUInt64();
+        entry.description = description->asString();
+        entry.details = LogbookEntryDetailsConverter::fromJsonToVal(*details);
         return entry;
     }
 };

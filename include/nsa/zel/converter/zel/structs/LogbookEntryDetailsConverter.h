@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nsa/zel/converter/zel/enums/GenerationConverter.h>
+#include <nsa/zel/converter/zel/structs/members.h>
 #include <nsa/zel/structs/LogbookEntry.h>
 #include <tqbase2/cia/StringConverter.h>
 
@@ -14,21 +15,22 @@ public:
     /// @throws system::LogicError for a generation outside its enumeration
     static Json::Value fromValToJsonValue(const LogbookEntryDetails& details) {
         Json::Value json;
-        json["unit"] = Json::Int64{details.unit};
-        json["device"] = Json::Int64{details.device};
-        json["params"] = cia::StringConverter::fromValToJsonValue(details.params);
-        json["generation"] = enums::GenerationConverter::fromValToJsonValue(details.generation);
+        json[Json::StaticString("unit")] = Json::Int64{details.unit};
+        json[Json::StaticString("device")] = Json::Int64{details.device};
+        json[Json::StaticString("params")] = cia::StringConverter::fromValToJsonValue(details.params);
+        json[Json::StaticString("generation")] = enums::GenerationConverter::fromValToJsonValue(details.generation);
         return json;
     }
 
     /// Missing members read as 0, empty and Unknown.
     /// @throws system::LogicError for an unknown generation; Json::LogicError for a member of another JSON type
     static LogbookEntryDetails fromJsonToVal(const Json::Value& json) {
+        const auto [device, generation, params, unit] = members<4>(json, {"device", "generation", "params", "unit"});
         LogbookEntryDetails details;
-        details.unit = json["unit"].asInt64();
-        details.device = json["device"].asInt64();
-        details.params = cia::StringConverter::fromJsonToVal(json["params"]);
-        details.generation = enums::GenerationConverter::fromJsonToVal(json["generation"]);
+        details.unit = unit->asInt64();
+        details.device = device->asInt64();
+        details.params = cia::StringConverter::fromJsonToVal(*params);
+        details.generation = enums::GenerationConverter::fromJsonToVal(*generation);
         return details;
     }
 };

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace tqbase2::nsa::zel::structs {
+
+/// The members of some keys, null for one that is missing, found in one walk: a look-up for each costs several times
+/// that.
+/// @param keys in ascending order, as jsoncpp keeps the members
+/// @throws Json::LogicError for what has no members
+template <std::size_t Count>
+std::array<const Json::Value*, Count> members(const Json::Value& json,
+                                              const std::array<std::string_view, Count>& keys) {
+    std::array<const Json::Value*, Count> found{};
+    if (!json.isObject()) {
+        found.fill(&json[""]);
+        return found;
+    }
+    found.fill(&Json::Value::nullSingleton());
+    std::size_t next = 0;
+    const auto last = json.end();
+    for (auto member = json.begin(); member != last; ++member) {
+        const char* end = nullptr;
+        const char* const name = member.memberName(&end);
+        const auto size = static_cast<std::size_t>(end - name);
+        for (std::size_t i = next; i < Count; ++i) {
+            if (size == keys[i].size() && std::memcmp(name, keys[i].data(), size) == 0) {
+                found[i] = &*member;
+                next = i + 1;
+                break;
+            }
+        }
+    }
+    return found;
+}
+
+}  // namespace tqbase2::nsa::zel::structs
