@@ -1,14 +1,18 @@
 #include "LogbookFile.h"
 
+#include "LogbookReader.h"
 #include "Transaction.h"
 #include "errors.h"
 
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
+#include <boost/algorithm/string/replace.hpp>
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <thread>
 
@@ -153,6 +157,34 @@ void switchToWriteAheadLog(SQLite::Database& connection) {
     connection.exec(sql);
 }
 
+/// The file's name as it may stand in a URI.
+std::string escaped(std::string file) {
+    boost::algorithm::replace_all(file, "%", "%25");
+    boost::algorithm::replace_all(file, "?", "%3f");
+    boost::algorithm::replace_all(file, "#", "%23");
+    return file;
+}
+
+bool holdsAnything(const std::string& file) {
+    std::ifstream content(file, std::ios::binary);
+    char first = 0;
+    return content.get(first) && first != 0;  // an emptied log starts with a zero
+}
+
+/// The index of the write-ahead log lies beside a logbook in use, and stays when it is closed; only read, it shows what
+/// the log holds. Without it the file is a copy, to be taken as it is.
+SQLite::Database connectForReading(const std::string& file) {
+    if (!std::filesystem::exists(file)) {
+        throw DatabaseError("there is no such logbook");
+    }
+    const bool inUse = std::filesystem::exists(file + "-shm");
+    if (!inUse && holdsAnything(file + "-wal")) {
+        throw DatabaseError("its newest records are in " + file + "-wal, which can't be read without " + file + "-shm");
+    }
+    return SQLite::Database("file:" + escaped(file) + (inUse ? "?readonly_shm=1" : "?immutable=1"),
+                            SQLite::OPEN_READONLY | SQLite::OPEN_URI, static_cast<int>(lockTimeout.count()));
+}
+
 }  // namespace
 
 void refuse(const std::string& file, const std::exception& reason) {
@@ -174,6 +206,40 @@ SQLite::Database openLogbook(const std::string& file, std::uint32_t capacity) {
                         std::to_string(checkpointBytes / pragma(connection, "page_size")));
         setLogSpaceAside(connection.getHandle());
         return connection;
+    } catch (const SQLite::Exception& exception) {
+        refuse(file, exception);
+    } catch (const DatabaseError& error) {
+        refuse(file, error);
+    }
+}
+
+SQLite::Database openForReading(const std::string& file) {
+    try {
+        SQLite::Database connection = connectForReading(file);
+        if (contentOf(connection) == Content::Nothing) {
+            throw DatabaseError("an empty database, not a logbook");
+        }
+        return connection;
+    } catch (const SQLite::Exception& exception) {
+        refuse(file, exception);
+    } catch (const DatabaseError& error) {
+        refuse(file, error);
+    }
+}
+
+std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
+    const std::string file = path.string();
+    try {
+        SQLite::Database connection = connectForReading(file);
+        std::vector<std::string> damage;
+        SQLite::Statement check(connection, "PRAGMA integrity_check");
+        while (check.executeStep()) {
+            const std::string line = check.getColumn(0);
+            if (line != "ok") {
+                damage.push_back(line);
+            }
+        }
+        return damage;
     } catch (const SQLite::Exception& exception) {
         refuse(file, exception);
     } catch (const DatabaseError& error) {

@@ -13,6 +13,10 @@ namespace standalone {
 /// @throws DatabaseError naming the file, which is then left as it is
 SQLite::Database openLogbook(const std::string& file, std::uint32_t capacity);
 
+/// A connection that reads the file of a logbook and neither changes nor makes any file.
+/// @throws DatabaseError naming the file, also when there is none
+SQLite::Database openForReading(const std::string& file);
+
 /// Leaves the write-ahead log empty, but its space set aside. What is left in a log would pass for newer than the
 /// database when it is opened again; damage to it could take events back. Does nothing while others use the file.
 void emptyWriteAheadLog(SQLite::Database& connection) noexcept;

@@ -2,6 +2,7 @@
 
 #include "LogbookFile.h"
 #include "checksum.h"
+#include "storedRecord.h"
 
 #include <tqbase2/system/log/detail.h>
 
@@ -21,9 +22,8 @@ namespace standalone {
 
 namespace {
 
-constexpr const char* pageSql = R"(
-SELECT number, seconds, nanoseconds, time, json, checksum FROM record
-WHERE number <= (SELECT max(number) FROM record) - ?
+constexpr const char* pageCondition = R"(
+number <= (SELECT max(number) FROM record) - ?
 ORDER BY number DESC LIMIT ?)";
 
 constexpr const char* nextNumberSql = R"(
@@ -46,10 +46,12 @@ SELECT coalesce((SELECT max(number) FROM record) - (SELECT min(number) FROM reco
 constexpr unsigned int usualPage = 100;
 
 void logDamage(const std::string& file, std::int64_t number) {
-    constexpr unsigned int error = 4;  // the highest level, which nothing switches off
+    constexpr unsigned int error = 4;
     constexpr const char* channel = "libTqZelPlatform";
-    tqbase2::system::log::detail::log(error, channel,
-                                      file + ": record " + std::to_string(number) + " is damaged and left out");
+    if (tqbase2::system::log::detail::isEnabled(error, channel)) {
+        tqbase2::system::log::detail::log(error, channel,
+                                          file + ": record " + std::to_string(number) + " is damaged and left out");
+    }
 }
 
 }  // namespace
@@ -64,7 +66,7 @@ auto SqliteDatabase::guarded(Operation operation) {
     }
 }
 
-Statement SqliteDatabase::prepare(const char* sql) {
+Statement SqliteDatabase::prepare(const std::string& sql) {
     return guarded([&] { return Statement(connection, sql); });
 }
 
@@ -73,7 +75,7 @@ SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKep
       capacity(recordsKept),
       connection(openLogbook(path, recordsKept)),
       transactions(guarded([this] { return TransactionStatements(connection, TransactionStatements::writing); })),
-      selectPage(prepare(pageSql)),
+      selectPage(prepare(selectRecords(pageCondition))),
       selectNextNumber(prepare(nextNumberSql)),
       insertRecord(prepare(insertSql)),
       deleteOldest(prepare(deleteOldestSql)),
@@ -114,13 +116,11 @@ std::vector<lgb::DatabaseRecord> SqliteDatabase::fetch(unsigned int offset, unsi
         std::vector<lgb::DatabaseRecord> page;
         page.reserve(std::min(count, usualPage));
         while (selectPage.step()) {
-            const std::int64_t number = selectPage.number(0);
-            lgb::DatabaseRecord& record = page.emplace_back(lgb::DatabaseRecord{
-                {selectPage.number(1), selectPage.number(2), selectPage.text(3)}, selectPage.text(4)});
-            const auto& [seconds, nanoseconds, time] = record.timestamp;
-            if (checksum({number, seconds, nanoseconds, time, record.json}) != selectPage.number(5)) {
-                page.pop_back();
-                logDamage(file, number);
+            StoredRecord record = storedRecord(selectPage);
+            if (record.intact) {
+                page.push_back(std::move(record.content));
+            } else {
+                logDamage(file, record.number);
             }
         }
         return page;
@@ -131,10 +131,17 @@ void SqliteDatabase::add(const std::string& json, const lgb::timestamp::Timestam
     commit([&] {
         const std::int64_t number = nextNumber();
         insert(number, json, timestamp);
-        if (capacity > 0 && number > capacity) {
-            deleteOldest.bind(1, number - capacity);
-            deleteOldest.run();
+        keepUpTo(number);
+    });
+}
+
+void SqliteDatabase::addAll(const std::vector<lgb::DatabaseRecord>& records) {
+    commit([&] {
+        std::int64_t number = nextNumber() - 1;
+        for (const lgb::DatabaseRecord& record : records) {
+            insert(++number, record.json, record.timestamp);
         }
+        keepUpTo(number);
     });
 }
 
@@ -153,6 +160,13 @@ void SqliteDatabase::insert(std::int64_t number, const std::string& json, const 
     insertRecord.bind(5, json);
     insertRecord.bind(6, std::int64_t{checksum({number, seconds, nanoseconds, time, json})});
     insertRecord.run();
+}
+
+void SqliteDatabase::keepUpTo(std::int64_t number) {
+    if (capacity > 0 && number > capacity) {
+        deleteOldest.bind(1, number - capacity);
+        deleteOldest.run();
+    }
 }
 
 void SqliteDatabase::clear() {

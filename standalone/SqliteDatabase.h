@@ -28,6 +28,8 @@ public:
 
     std::vector<lgb::DatabaseRecord> fetch(unsigned int offset, unsigned int count) override;
     void add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) override;
+    /// Adds records, oldest first, in one transaction.
+    void addAll(const std::vector<lgb::DatabaseRecord>& records);
     void clear() override;
     unsigned int count() override;
 
@@ -35,7 +37,7 @@ private:
     template <typename Operation>
     auto guarded(Operation operation);
 
-    Statement prepare(const char* sql);
+    Statement prepare(const std::string& sql);
 
     /// Makes a change in one transaction, and once more with room made in the log when the disk is full.
     template <typename Change>
@@ -43,6 +45,7 @@ private:
 
     std::int64_t nextNumber();
     void insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp);
+    void keepUpTo(std::int64_t number);
 
     std::mutex mutex;  // statements are not to be shared
     std::string file;

@@ -21,6 +21,14 @@ std::optional<std::filesystem::path> pathFrom(const char* variable) {
     return value;
 }
 
+void makeFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        throw DatabaseError(folder.string() + ": can't make the folder: " + error.message());
+    }
+}
+
 }  // namespace
 
 std::filesystem::path logbookFolder() {
@@ -44,12 +52,14 @@ SqliteDatabaseFactory::SqliteDatabaseFactory(std::filesystem::path logbooks) : f
 
 std::unique_ptr<lgb::IDatabase> SqliteDatabaseFactory::create(const char* name, std::uint32_t,
                                                               std::uint32_t second) const {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) {
-        throw DatabaseError(folder.string() + ": can't make the folder: " + error.message());
-    }
+    makeFolder(folder);
     return std::make_unique<SqliteDatabase>(logbookFile(folder, name).string(), second);
+}
+
+void SqliteDatabaseFactory::addAll(const char* name, std::uint32_t capacity,
+                                   const std::vector<lgb::DatabaseRecord>& records) const {
+    makeFolder(folder);
+    SqliteDatabase(logbookFile(folder, name).string(), capacity).addAll(records);
 }
 
 }  // namespace standalone

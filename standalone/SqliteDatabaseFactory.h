@@ -3,10 +3,12 @@
 #include "export.h"
 
 #include <lgb/DatabaseFactory.h>
+#include <lgb/IDatabase.h>
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 namespace standalone {
 
@@ -32,6 +34,11 @@ public:
     /// @throws DatabaseError, here and from the database, naming the file and the reason. A file that is not a logbook,
     ///         is damaged, or was written by a newer schema is left as it is.
     std::unique_ptr<lgb::IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const override;
+
+    /// Adds records to a logbook, oldest first, all of them or, when it throws, none.
+    /// @param name, capacity as for `create`
+    /// @throws DatabaseError
+    void addAll(const char* name, std::uint32_t capacity, const std::vector<lgb::DatabaseRecord>& records) const;
 
 private:
     std::filesystem::path folder;

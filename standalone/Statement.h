@@ -14,8 +14,8 @@ namespace standalone {
 class Statement {
 public:
     /// @throws SQLite::Exception, here and from what follows
-    Statement(SQLite::Database& database, const char* sql) : connection(database.getHandle()) {
-        check(sqlite3_prepare_v2(connection, sql, -1, &handle, nullptr), SQLITE_OK);
+    Statement(SQLite::Database& database, const std::string& sql) : connection(database.getHandle()) {
+        check(sqlite3_prepare_v2(connection, sql.c_str(), -1, &handle, nullptr), SQLITE_OK);
     }
 
     Statement(const Statement&) = delete;
@@ -52,9 +52,11 @@ public:
         return outcome;
     }
 
-    std::int64_t number(int column) { return sqlite3_column_int64(handle, column); }
+    bool isNull(int column) const { return sqlite3_column_type(handle, column) == SQLITE_NULL; }
 
-    std::string text(int column) {
+    std::int64_t number(int column) const { return sqlite3_column_int64(handle, column); }
+
+    std::string text(int column) const {
         const void* const bytes = sqlite3_column_blob(handle, column);
         return {static_cast<const char*>(bytes), static_cast<std::size_t>(sqlite3_column_bytes(handle, column))};
     }

@@ -16,6 +16,7 @@ namespace {
 
 constexpr unsigned int lowestLevel = 1;
 constexpr unsigned int highestLevel = 4;
+constexpr unsigned int silence = highestLevel + 1;
 constexpr unsigned int defaultLevel = 3;
 
 // Index is the library's level.
@@ -39,11 +40,11 @@ unsigned int levelFromEnvironment() {
         return defaultLevel;
     }
     const std::string_view text(value);
-    if (text.size() == 1 && text[0] >= '1' && text[0] <= '4') {
+    if (text.size() == 1 && text[0] >= '1' && text[0] <= '5') {
         return static_cast<unsigned int>(text[0] - '0');
     }
     logger().warn("TQZEL_LOG_LEVEL is \"{}\", expected {} to {}; using {}", standalone::printable(text), lowestLevel,
-                  highestLevel, defaultLevel);
+                  silence, defaultLevel);
     return defaultLevel;
 }
 

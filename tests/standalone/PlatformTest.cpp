@@ -84,12 +84,13 @@ TEST(Logger, IsOffBelowTheLevelThatTheEnvironmentSets) {
     EXPECT_THAT(logAtLevel("4"), testing::MatchesRegex(fourth));
     EXPECT_THAT(logAtLevel("2"), testing::MatchesRegex(second + third + fourth));
     EXPECT_THAT(logAtLevel("1"), testing::MatchesRegex(first + second + third + fourth));
+    EXPECT_EQ(logAtLevel("5"), "");
 }
 
 TEST(Logger, SaysThatALevelIsNotOneAndUsesTheDefault) {
-    for (const std::string level : {"0", "5", "11", "loud"}) {
+    for (const std::string level : {"0", "6", "11", "loud"}) {
         const std::string complaint =
-            std::string(time) + "warning TQZEL_LOG_LEVEL is \"" + level + "\", expected 1 to 4; using 3\n";
+            std::string(time) + "warning TQZEL_LOG_LEVEL is \"" + level + "\", expected 1 to 5; using 3\n";
         EXPECT_THAT(logAtLevel(level), testing::MatchesRegex(complaint + time + "warning .*\n" + time + "error .*\n"));
     }
 }

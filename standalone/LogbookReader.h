@@ -1,0 +1,56 @@
+#pragma once
+
+#include "export.h"
+
+#include <lgb/IDatabase.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace standalone {
+
+/// A record as it lies in the file of a logbook.
+struct StoredRecord {
+    std::int64_t number;                        ///< counts up from 1 in the order of adding
+    lgb::DatabaseRecord content;                ///< not to be trusted unless intact
+    bool intact;                                ///< whether the check value stored with the record fits
+    std::optional<std::int64_t> secondsBefore;  ///< when the record before it was made, if that one is still kept
+};
+
+/// Reads the file of a logbook as it lies there, for tools. Changes and makes no file: a logbook in use by others is
+/// read as well as a copy on a medium that can't be written. What others add meanwhile is seen by the next call. For
+/// one thread.
+class TQZEL_STANDALONE_EXPORT LogbookReader {
+public:
+    /// @param path of the file
+    /// @throws DatabaseError, here and from every operation, naming the file and the reason
+    explicit LogbookReader(const std::filesystem::path& path);
+
+    LogbookReader(const LogbookReader&) = delete;
+    LogbookReader& operator=(const LogbookReader&) = delete;
+    ~LogbookReader();
+
+    /// Records with numbers below `number`, newest first, no more than `count` of them.
+    std::vector<StoredRecord> before(std::int64_t number, unsigned int count);
+
+    /// Records with numbers above `number`, oldest first, no more than `count` of them.
+    std::vector<StoredRecord> after(std::int64_t number, unsigned int count);
+
+    /// How many records the file holds, those that are not intact included.
+    std::int64_t count();
+
+private:
+    struct Connection;
+    std::unique_ptr<Connection> connection;
+};
+
+/// What is wrong with the structure of a file, thoroughly checked, each index and page of it; empty when it is sound.
+/// Changes and makes no file.
+/// @throws DatabaseError when the file can't be read as a logbook at all
+TQZEL_STANDALONE_EXPORT std::vector<std::string> structuralDamage(const std::filesystem::path& file);
+
+}  // namespace standalone

@@ -1,0 +1,198 @@
+#include "TemporaryFolder.h"
+
+#include <standalone/LogbookReader.h>
+#include <standalone/SqliteDatabaseFactory.h>
+#include <standalone/errors.h>
+
+#include <SQLiteCpp/Database.h>
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <limits>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using standalone::LogbookReader;
+using standalone::SqliteDatabaseFactory;
+using standalone::StoredRecord;
+using testing::ElementsAre;
+
+constexpr std::int64_t newest = std::numeric_limits<std::int64_t>::max();
+
+/// The logbook of each test is lgbTest.db in a folder of its own.
+class Reader : public testing::Test {
+protected:
+    std::unique_ptr<lgb::IDatabase> open() const {
+        return SqliteDatabaseFactory(folder.path()).create("lgbTest", 0, 3);
+    }
+
+    /// Records with the texts "1", "2" and so on, made a minute apart.
+    static void add(lgb::IDatabase& database, int from, int to) {
+        for (int number = from; number <= to; ++number) {
+            database.add(std::to_string(number), {number * 60, 0, ""});
+        }
+    }
+
+    void addAndClose(int from, int to) const { add(*open(), from, to); }
+
+    static std::vector<std::string> texts(const std::vector<StoredRecord>& records) {
+        std::vector<std::string> texts;
+        for (const StoredRecord& record : records) {
+            EXPECT_EQ(std::to_string(record.number), record.content.json);
+            EXPECT_TRUE(record.intact);
+            texts.push_back(record.content.json);
+        }
+        return texts;
+    }
+
+    using Files = std::map<std::string, std::string>;
+
+    /// Names and contents.
+    Files files() const {
+        Files files;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+            files[entry.path().filename()] = support::contentOf(entry.path());
+        }
+        return files;
+    }
+
+    std::string refusal() const {
+        try {
+            const LogbookReader reader(file);
+            return "";
+        } catch (const standalone::DatabaseError& error) {
+            return error.what();
+        }
+    }
+
+    support::TemporaryFolder folder;
+    const std::filesystem::path file = folder / "lgbTest.db";
+};
+
+TEST_F(Reader, ReadsBelowANumberNewestFirst) {
+    addAndClose(1, 5);
+    LogbookReader reader(file);
+    EXPECT_THAT(texts(reader.before(newest, 10)), ElementsAre("5", "4", "3"));
+    EXPECT_THAT(texts(reader.before(5, 1)), ElementsAre("4"));
+    EXPECT_EQ(reader.count(), 3);
+}
+
+TEST_F(Reader, ReadsAboveANumberOldestFirst) {
+    addAndClose(1, 5);
+    LogbookReader reader(file);
+    EXPECT_THAT(texts(reader.after(0, 10)), ElementsAre("3", "4", "5"));
+    EXPECT_THAT(texts(reader.after(3, 1)), ElementsAre("4"));
+}
+
+TEST_F(Reader, TellsWhenTheRecordBeforeWasMade) {
+    addAndClose(1, 5);
+    const std::vector<StoredRecord> records = LogbookReader(file).after(0, 10);
+    EXPECT_EQ(records[0].secondsBefore, std::nullopt);  // dropped
+    EXPECT_EQ(records[1].secondsBefore, 180);
+}
+
+TEST_F(Reader, MarksARecordThatIsNotIntact) {
+    addAndClose(1, 3);
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("UPDATE record SET json = '7' WHERE number = 2");
+    const std::vector<StoredRecord> records = LogbookReader(file).after(0, 10);
+    EXPECT_TRUE(records[0].intact);
+    EXPECT_FALSE(records[1].intact);
+    EXPECT_TRUE(records[2].intact);
+}
+
+TEST_F(Reader, SeesWhatOthersAddMeanwhile) {
+    const auto database = open();
+    add(*database, 1, 1);
+    LogbookReader reader(file);
+    EXPECT_THAT(texts(reader.before(newest, 10)), ElementsAre("1"));
+    add(*database, 2, 2);
+    EXPECT_THAT(texts(reader.before(newest, 10)), ElementsAre("2", "1"));
+}
+
+TEST_F(Reader, LeavesALogbookInUseAsItIs) {
+    const auto database = open();
+    add(*database, 1, 5);
+    const auto unmarked = [](Files files) {
+        files["lgbTest.db-shm"].clear();  // where those of one process tell each other what they read
+        return files;
+    };
+    const Files before = unmarked(files());
+    EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("5", "4", "3"));
+    EXPECT_TRUE(unmarked(files()) == before);
+}
+
+TEST_F(Reader, LeavesAClosedLogbookAsItIs) {
+    addAndClose(1, 5);
+    const Files before = files();
+    EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("5", "4", "3"));
+    EXPECT_TRUE(files() == before);
+}
+
+TEST_F(Reader, MakesNoFileBesideACopy) {
+    addAndClose(1, 5);
+    const support::TemporaryFolder elsewhere;
+    const std::filesystem::path copy = elsewhere / "50%?#.db";
+    std::filesystem::copy_file(file, copy);
+    EXPECT_THAT(texts(LogbookReader(copy).before(newest, 10)), ElementsAre("5", "4", "3"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(elsewhere.path()), {}), 1);
+}
+
+TEST_F(Reader, ReadsACopyTakenWhileTheLogbookWasInUse) {
+    const auto database = open();
+    add(*database, 1, 5);
+    const support::TemporaryFolder elsewhere;
+    std::filesystem::copy(folder.path(), elsewhere.path());
+    EXPECT_THAT(texts(LogbookReader(elsewhere / "lgbTest.db").before(newest, 10)), ElementsAre("5", "4", "3"));
+}
+
+TEST_F(Reader, RefusesACopyThatLacksWhatItsNewestRecordsNeed) {
+    const auto database = open();
+    add(*database, 1, 5);
+    const support::TemporaryFolder elsewhere;
+    std::filesystem::copy(folder.path(), elsewhere.path());
+    const std::string copy = elsewhere / "lgbTest.db";
+    std::filesystem::remove(copy + "-shm");
+    try {
+        const LogbookReader reader(copy);
+        FAIL();
+    } catch (const standalone::DatabaseError& error) {
+        EXPECT_EQ(error.what(),
+                  copy + ": its newest records are in " + copy + "-wal, which can't be read without " + copy + "-shm");
+    }
+}
+
+TEST_F(Reader, RefusesByNameWhatIsNoLogbook) {
+    EXPECT_EQ(refusal(), file.string() + ": there is no such logbook");
+    support::write(file, "");
+    EXPECT_EQ(refusal(), file.string() + ": an empty database, not a logbook");
+    support::write(file, "Dear diary");
+    EXPECT_EQ(refusal(), file.string() + ": file is not a database");
+}
+
+TEST_F(Reader, NamesWhatIsDamagedInTheStructure) {
+    addAndClose(1, 3);
+    EXPECT_THAT(standalone::structuralDamage(file), ElementsAre());
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE)
+        .exec("PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
+    EXPECT_THAT(standalone::structuralDamage(file), Contains(testing::HasSubstr("2nd reference to page 2")));
+}
+
+TEST_F(Reader, ReadsWhatWasAddedAtOnce) {
+    SqliteDatabaseFactory(folder.path()).addAll("lgbTest", 3, {{{}, "1"}, {{}, "2"}, {{}, "3"}, {{}, "4"}});
+    EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("4", "3", "2"));
+}
+
+TEST_F(Reader, FindsNothingOfWhatCouldNotBeAddedAtOnce) {
+    addAndClose(1, 2);
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE)
+        .exec("CREATE TRIGGER full BEFORE INSERT ON record WHEN new.json = '4' BEGIN SELECT raise(ABORT, 'no 4'); END");
+    EXPECT_THROW(SqliteDatabaseFactory(folder.path()).addAll("lgbTest", 3, {{{}, "3"}, {{}, "4"}}),
+                 standalone::DatabaseError);
+    EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("2", "1"));
+}
+
+}  // namespace
