@@ -9,16 +9,8 @@ namespace lgb {
 
 namespace {
 
-enum class Power { Full, Reduced };
-
-struct SharedMessage {
-    unsigned int id;
-    const char* words;
-    Power power = Power::Full;  // whether the amplifier goes on with less, which is said of warnings alone
-};
-
 // clang-format off
-constexpr SharedMessage messages[] = {
+constexpr Message messages[] = {
     {  1, "Too high temperature for amplifier {module} on bus {bus}"},
     {  6, "Too low current for amplifier {module} on bus {bus}",                       Power::Reduced},
     {  7, "-5V out of range for amplifier {module} on bus {bus}"},
@@ -54,12 +46,16 @@ constexpr SharedMessage messages[] = {
 // clang-format on
 
 static_assert(idsAscend(messages), "one row an id, ids ascending");
-static_assert(placesAreKnown(messages), "places that there are");
+static_assert(placesAreKnown(messages), "each {place} is one of those in places.h");
 
 }  // namespace
 
+MessageTable sharedMessages() {
+    return MessageTable(messages);
+}
+
 std::string errorWarningText(const code::Code& code, const ParameterRecord& params) {
-    const SharedMessage* const message = find(messages, code.id());
+    const Message* const message = sharedMessages().find(code.id());
     if (message == nullptr) {
         compose("{module} {bus}", params);  // unreadable parameters are a failure here too, not an unknown entry
         return unknownEntry;

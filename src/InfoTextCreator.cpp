@@ -35,12 +35,16 @@ constexpr Message messages[] = {
 // clang-format on
 
 static_assert(idsAscend(messages), "one row an id, ids ascending");
-static_assert(placesAreKnown(messages), "places that there are");
+static_assert(placesAreKnown(messages), "each {place} is one of those in places.h");
 
 }  // namespace
 
+MessageTable infoMessages() {
+    return MessageTable(messages);
+}
+
 std::string infoText(const code::Code& code, const ParameterRecord& params) {
-    const Message* const message = find(messages, code.id());
+    const Message* const message = infoMessages().find(code.id());
     return message != nullptr ? compose(message->words, params) : unknownEntry;
 }
 

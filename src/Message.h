@@ -2,7 +2,6 @@
 
 #include "places.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -11,15 +10,42 @@ namespace lgb {
 
 class ParameterRecord;
 
+/// Whether the amplifier goes on with less, which is said of warnings alone.
+enum class Power { Full, Reduced };
+
 /// One message: its words as they are shown, with the names of places where the parameter record fills them in:
 /// "Connecting amplifier {module} on bus {bus} failed".
 struct Message {
     unsigned int id;
     const char* words;
+    Power power = Power::Full;
+};
+
+/// The messages of one type, or those that two types share; ids ascending.
+class MessageTable {
+public:
+    template <std::size_t Count>
+    constexpr explicit MessageTable(const Message (&rows)[Count]) : first(rows), last(rows + Count) {}
+
+    const Message* begin() const { return first; }
+
+    const Message* end() const { return last; }
+
+    /// The message of an id, or null.
+    const Message* find(unsigned int id) const;
+
+private:
+    const Message* first;
+    const Message* last;
 };
 
 /// What everybody answers for an id without a message.
 inline constexpr const char* unknownEntry = "unknown entry";
+
+/// The next place in some words, or null behind the last one.
+/// @param words with places that there are; begin behind the place afterwards
+/// @param before is set to the words before the place; without a place, to all that is left
+const Place* nextPlace(std::string_view& words, std::string_view& before);
 
 /// Puts words with places into a text.
 /// @param words with places that there are
@@ -30,8 +56,8 @@ std::string compose(std::string_view words, const ParameterRecord& params);
 std::string compose(std::string_view words, const std::string& params);
 
 /// Whether a message table can be searched: one row an id, ids ascending.
-template <typename Row, std::size_t Count>
-constexpr bool idsAscend(const Row (&rows)[Count]) {
+template <std::size_t Count>
+constexpr bool idsAscend(const Message (&rows)[Count]) {
     for (std::size_t i = 1; i < Count; ++i) {
         if (rows[i - 1].id >= rows[i].id) {
             return false;
@@ -55,22 +81,13 @@ constexpr bool placesAreKnown(std::string_view words) {
 }
 
 /// Whether all places of a message table are known.
-template <typename Row, std::size_t Count>
-constexpr bool placesAreKnown(const Row (&rows)[Count]) {
+template <std::size_t Count>
+constexpr bool placesAreKnown(const Message (&rows)[Count]) {
     bool known = true;
-    for (const Row& row : rows) {
+    for (const Message& row : rows) {
         known = known && placesAreKnown(std::string_view(row.words));
     }
     return known;
-}
-
-/// The row of an id, or null.
-template <typename Row, std::size_t Count>
-const Row* find(const Row (&rows)[Count], unsigned int id) {
-    const Row* const end = rows + Count;
-    const Row* const row =
-        std::lower_bound(rows, end, id, [](const Row& each, unsigned int wanted) { return each.id < wanted; });
-    return row != end && row->id == id ? row : nullptr;
 }
 
 }  // namespace lgb

@@ -57,12 +57,16 @@ constexpr Message messages[] = {
 // clang-format on
 
 static_assert(idsAscend(messages), "one row an id, ids ascending");
-static_assert(placesAreKnown(messages), "places that there are");
+static_assert(placesAreKnown(messages), "each {place} is one of those in places.h");
 
 }  // namespace
 
+MessageTable warningMessages() {
+    return MessageTable(messages);
+}
+
 std::string warningText(const code::Code& code, const ParameterRecord& params) {
-    const Message* const message = find(messages, code.id());
+    const Message* const message = warningMessages().find(code.id());
     return message != nullptr ? compose(message->words, params) : errorWarningText(code, params);
 }
 

@@ -17,6 +17,7 @@ namespace lgb {
 struct Place {
     std::string_view name;
     const char* key;
+    const char* holds;  // what the member is, for people
     /// How the member reads in a message.
     /// @throws Json::LogicError or system::LogicError for a member that can't be read so
     std::string (*shown)(const Json::Value& member);
@@ -40,22 +41,22 @@ std::string role(const Json::Value& value);
 
 // clang-format off
 inline constexpr Place places[] = {
-    {"module",         keys::module,         shown::number},
-    {"bus",            keys::bus,            shown::number},
-    {"onOff",          keys::on,             shown::onOff},
-    {"powerUnit",      keys::watt,           shown::powerUnit},
-    {"group",          keys::group,          shown::groupNr},
-    {"defectiveFan",   keys::ok,             shown::defectiveFan},
-    {"workingFan",     keys::ok,             shown::workingFan},
-    {"version",        keys::version,        shown::word},
-    {"type",           keys::type,           shown::word},
-    {"value",          keys::value,          shown::word},
-    {"path",           keys::path,           shown::word},
-    {"operatingClass", keys::operatingClass, shown::operatingClass},
-    {"outputMode",     keys::outputMode,     shown::outputMode},
-    {"interlockMode",  keys::interlockMode,  shown::interlockMode},
-    {"role",           keys::role,           shown::role},
-    {"nr",             keys::nr,             shown::number},
+    {"module",         keys::module,         "number",                                shown::number},
+    {"bus",            keys::bus,            "number",                                shown::number},
+    {"onOff",          keys::on,             "boolean",                               shown::onOff},
+    {"powerUnit",      keys::watt,           "boolean",                               shown::powerUnit},
+    {"group",          keys::group,          "number counting from 0",                shown::groupNr},
+    {"defectiveFan",   keys::ok,             "boolean",                               shown::defectiveFan},
+    {"workingFan",     keys::ok,             "boolean",                               shown::workingFan},
+    {"version",        keys::version,        "text",                                  shown::word},
+    {"type",           keys::type,           "text",                                  shown::word},
+    {"value",          keys::value,          "text",                                  shown::word},
+    {"path",           keys::path,           "text",                                  shown::word},
+    {"operatingClass", keys::operatingClass, "AB, step1 to step8, A",                 shown::operatingClass},
+    {"outputMode",     keys::outputMode,     "VSWR, increased1 to increased9, Power", shown::outputMode},
+    {"interlockMode",  keys::interlockMode,  "interactive, automatic",                shown::interlockMode},
+    {"role",           keys::role,           "unit, device",                          shown::role},
+    {"nr",             keys::nr,             "number",                                shown::number},
 };
 
 // clang-format on

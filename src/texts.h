@@ -8,7 +8,15 @@ namespace code {
 class Code;
 }
 
+class MessageTable;
 class ParameterRecord;
+
+MessageTable infoMessages();
+MessageTable warningMessages();
+MessageTable errorMessages();
+
+/// The messages that errors and warnings share, where they have none of their own.
+MessageTable sharedMessages();
 
 /// The text creators' work over a record that is parsed once for the whole description.
 /// Each answers "unknown entry" for an id without a message.

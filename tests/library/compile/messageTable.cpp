@@ -22,6 +22,6 @@ constexpr lgb::Message messages[] = {
 };
 
 static_assert(lgb::idsAscend(messages), "one row an id, ids ascending");
-static_assert(lgb::placesAreKnown(messages), "places that there are");
+static_assert(lgb::placesAreKnown(messages), "each {place} is one of those in places.h");
 
 }  // namespace

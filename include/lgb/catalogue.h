@@ -1,0 +1,30 @@
+#pragma once
+
+#include <nsa/zel/enums/LogbookEntryType.h>
+#include <nsa/zel/export.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// The messages of this library as a list, for people: the same rows that entries are worded from.
+namespace lgb::catalogue {
+
+/// A place in the words of a message that a member of the parameter record fills in.
+struct Place {
+    std::string name;   ///< as it stands in the words, between braces
+    std::string key;    ///< of the member
+    std::string holds;  ///< what the member holds: "number", "boolean", "text" or the words it may be
+};
+
+struct Message {
+    tqbase2::nsa::zel::enums::LogbookEntryType type;
+    std::uint32_t id;
+    std::string words;          ///< "Setting attenuation failed for amplifier {module} on bus {bus}"
+    std::vector<Place> places;  ///< those in the words, from left to right
+};
+
+/// Every message: errors, warnings, information, each by ascending id. Safe from any thread.
+TQZEL_EXPORT std::vector<Message> messages();
+
+}  // namespace lgb::catalogue
