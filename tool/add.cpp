@@ -36,14 +36,6 @@ struct Event {
     std::string text;
 };
 
-// Index is the type.
-const std::vector<std::string> typeNames{"info", "warning", "error"};
-
-LogbookEntryType typeOf(const Event& event) {
-    const auto found = std::find(typeNames.begin(), typeNames.end(), event.type);
-    return static_cast<LogbookEntryType>(found - typeNames.begin());
-}
-
 /// Refuses an entry that would never be shown, or only as "unknown entry": once stored, it stays.
 void requireWords(const Event& event, const LogbookEntry& entry) {
     const std::string message = event.type + ' ' + std::to_string(event.id);
@@ -66,7 +58,7 @@ void requireMessage(LogbookEntry entry) {
 }
 
 Entry codedEntry(const Event& event) {
-    lgb::Entry entry(lgb::code::Code(event.id, typeOf(event)), recordText(event.parameters));
+    lgb::Entry entry(lgb::code::Code(event.id, typeNamed(event.type)), recordText(event.parameters));
     entry.details.generation = enums::GenerationConverter::fromJsonToVal(event.generation);
     if (entry.details.generation == Generation::Kestrel) {
         requireMessage(entry);
@@ -83,7 +75,7 @@ Entry freeText(const Selection& selection, const Event& event) {
     if (!recordText(event.parameters).empty()) {
         throw CLI::ValidationError("--text", "a free text has no parameters");
     }
-    return lgb::LogbookEntryCreator::createServiceOnly(event.text, lgb::code::ServiceCode(typeOf(event)));
+    return lgb::LogbookEntryCreator::createServiceOnly(event.text, lgb::code::ServiceCode(typeNamed(event.type)));
 }
 
 void add(const Selection& selection, const Event& event) {

@@ -3,9 +3,11 @@
 #include "commands.h"
 #include "logbooks.h"
 
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <stdexcept>
+#include <string>
 
 namespace tool {
 
@@ -26,10 +28,17 @@ void parse(int argc, const char* const* argv) {
     app.require_subcommand(1);
     app.fallthrough();
     app.add_option("--folder", selection.folder, "Folder of the logbooks; else $TQZEL_LOGBOOK_DIR, or under $HOME")
-        ->type_name("FOLDER");
-    declareAdd(app, selection);
+        ->type_name("FOLDER")
+        ->check(CLI::Validator([](const std::string& name) { return name.empty() ? "is empty" : ""; }, ""));
     declareShow(app, selection);
+    declareStats(app, selection);
+    declareCheck(app, selection);
+    declareAdd(app, selection);
     declareClear(app, selection);
+    declareExport(app, selection);
+    declareImport(app, selection);
+    declareMessages(app);
+    declareExplain(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& helpOrVersion) {
@@ -44,6 +53,8 @@ void parse(int argc, const char* const* argv) {
 }  // namespace
 
 int run(int argc, const char* const* argv) {
+    // What is wrong with an entry the commands tell themselves, in their own words.
+    setenv("TQZEL_LOG_LEVEL", "5", 0);
     try {
         parse(argc, argv);
         return 0;

@@ -9,7 +9,13 @@
 namespace tool {
 
 void declareAdd(CLI::App& app, Selection& selection);
-void declareShow(CLI::App& app, Selection& selection);
+void declareCheck(CLI::App& app, Selection& selection);
 void declareClear(CLI::App& app, Selection& selection);
+void declareExplain(CLI::App& app);
+void declareExport(CLI::App& app, Selection& selection);
+void declareImport(CLI::App& app, Selection& selection);
+void declareMessages(CLI::App& app);
+void declareShow(CLI::App& app, Selection& selection);
+void declareStats(CLI::App& app, Selection& selection);
 
 }  // namespace tool

@@ -14,18 +14,6 @@ namespace tool {
 
 namespace {
 
-std::filesystem::path folderOf(const Selection& selection) {
-    return selection.folder.empty() ? standalone::logbookFolder() : selection.folder;
-}
-
-bool isService(const Selection& selection) {
-    return selection.logbook == "service";
-}
-
-const char* databaseName(const Selection& selection) {
-    return isService(selection) ? "lgbService" : "lgbCustomer";
-}
-
 /// In the place of the logbook that was not selected.
 class NoDatabase : public lgb::IDatabase {
 public:
@@ -55,10 +43,50 @@ private:
     std::string selected;
 };
 
+/// Learns the capacity that the library gives to a logbook.
+class Capacity : public lgb::DatabaseFactory {
+public:
+    explicit Capacity(const char* database) : name(database) {}
+
+    std::unique_ptr<lgb::IDatabase> create(const char* created, std::uint32_t, std::uint32_t second) const override {
+        if (name == created) {
+            records = second;
+        }
+        return std::make_unique<NoDatabase>();
+    }
+
+    mutable std::uint32_t records = 0;
+
+private:
+    std::string name;
+};
+
 }  // namespace
 
-void declareLogbook(CLI::App& command, Selection& selection) {
-    command.add_option("logbook", selection.logbook, "The logbook")
+std::filesystem::path folderOf(const Selection& selection) {
+    return selection.folder.empty() ? standalone::logbookFolder() : selection.folder;
+}
+
+bool isService(const Selection& selection) {
+    return selection.logbook == "service";
+}
+
+const char* databaseName(const Selection& selection) {
+    return isService(selection) ? "lgbService" : "lgbCustomer";
+}
+
+std::filesystem::path fileOf(const Selection& selection) {
+    return standalone::logbookFile(folderOf(selection), databaseName(selection));
+}
+
+std::uint32_t capacityOf(const Selection& selection) {
+    const Capacity capacity(databaseName(selection));
+    const lgb::ZelLogbook logbooks(capacity, lgb::LogbookFactory());
+    return capacity.records;
+}
+
+CLI::Option* declareLogbook(CLI::App& command, Selection& selection) {
+    return command.add_option("logbook", selection.logbook, "The logbook")
         ->required()
         ->type_name("customer|service")
         ->check(oneOf(std::vector<std::string>{"customer", "service"}));
@@ -69,7 +97,7 @@ std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {
 }
 
 std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection) {
-    const auto file = standalone::logbookFile(folderOf(selection), databaseName(selection));
+    const auto file = fileOf(selection);
     if (!std::filesystem::exists(file)) {
         throw standalone::DatabaseError(file.string() + ": there is no such logbook");
     }

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -18,7 +19,20 @@ struct Selection {
 };
 
 /// Declares the argument that names a logbook.
-void declareLogbook(CLI::App& command, Selection& selection);
+CLI::Option* declareLogbook(CLI::App& command, Selection& selection);
+
+bool isService(const Selection& selection);
+
+/// The name of the selected logbook's database, which its file is named after.
+const char* databaseName(const Selection& selection);
+
+std::filesystem::path folderOf(const Selection& selection);
+
+/// The file of the selected logbook.
+std::filesystem::path fileOf(const Selection& selection);
+
+/// Most records the selected logbook keeps.
+std::uint32_t capacityOf(const Selection& selection);
 
 /// Opens the selected logbook, making it when missing. The other one is neither made nor opened, so that nothing wrong
 /// with it stops the command; do not use it.

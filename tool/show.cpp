@@ -1,84 +1,170 @@
 #include "commands.h"
+#include "filter.h"
+#include "listing.h"
+#include "logbooks.h"
+#include "terminal.h"
 #include "validators.h"
 
-#include <nsa/zel/logbook/Entry.h>
-#include <standalone/printable.h>
-
-#include <fmt/format.h>
-
-#include <algorithm>
-#include <array>
-#include <cstddef>
+#include <chrono>
+#include <cstdint>
+#include <deque>
 #include <iostream>
-#include <iterator>
 #include <limits>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
+#include <thread>
+#include <utility>
 
 namespace tool {
 
-using tqbase2::nsa::zel::logbook::Entry;
-
 namespace {
 
-struct Page {
+constexpr std::chrono::milliseconds followInterval(300);
+
+/// What the command line asks to be shown.
+struct Request {
     unsigned int offset = 0;
-    unsigned int count = 20;
+    std::optional<unsigned int> count;
     bool all = false;
+    Order order;
+    bool follow = false;
+    Filter filter;
+    Look look;
+    std::string format = "table";
+    std::string colour = "auto";
+    bool noPager = false;
 };
 
-using Row = std::array<std::string, 3>;
+constexpr unsigned int usualCount = 20;
+constexpr unsigned int noLimit = std::numeric_limits<unsigned int>::max();
 
-// Index is the type.
-constexpr std::string_view typeNames[] = {"Info", "Warning", "Error"};
-
-Row rowOf(const Entry& entry) {
-    return {standalone::printable(entry.timestamp.text), std::string(typeNames[static_cast<std::size_t>(entry.type)]),
-            standalone::printable(entry.description)};
+/// Most entries to show. Who goes on where one left off wants all there is since.
+unsigned int mostOf(const Request& request) {
+    return request.all ? noLimit : request.count.value_or(request.order.after > 0 ? noLimit : usualCount);
 }
 
-/// Columns as wide as their widest text; the last one ends where its text does.
-std::string table(const std::vector<Row>& rows) {
-    std::size_t timeWidth = 0;
-    std::size_t typeWidth = 0;
-    for (const auto& [time, type, description] : rows) {
-        timeWidth = std::max(timeWidth, time.size());
-        typeWidth = std::max(typeWidth, type.size());
+/// What was left out, by the reason for it.
+using LeftOut = std::map<Standing, int>;
+
+bool isWanted(const ReadEntry& read, const Request& request, LeftOut& leftOut) {
+    if (read.standing != Standing::Shown && !request.look.raw) {
+        ++leftOut[read.standing];
+        return false;
     }
-    std::string text;
-    for (const auto& [time, type, description] : rows) {
-        fmt::format_to(std::back_inserter(text), "{:<{}}  {:<{}}  {}\n", time, timeWidth, type, typeWidth, description);
-    }
-    return text;
+    return request.filter.matches(read);
 }
 
-void show(const Selection& selection, const Page& page) {
-    const auto logbooks = openExisting(selection);
-    lgb::ILogbook& logbook = selected(*logbooks, selection);
-    std::vector<Row> rows{{"Time", "Type", "Description"}};
-    for (const Entry& entry : page.all ? logbook.fetchAll() : logbook.fetch(page.offset, page.count)) {
-        rows.push_back(rowOf(entry));
+/// Nothing is hidden without a word.
+void tell(const LeftOut& leftOut) {
+    for (const auto& [standing, count] : leftOut) {
+        std::cerr << "tqzel-logbook: not shown: " << count << (count == 1 ? " entry" : " entries") << " ("
+                  << nameOf(standing) << "); --raw shows them\n";
     }
-    std::cout << table(rows);
+}
+
+/// Shows a page: counted from the newest entry, also when the oldest one of it comes first.
+void showPage(standalone::LogbookReader& reader, const Selection& selection, const Request& request, Listing& listing) {
+    const unsigned int most = mostOf(request);
+    const bool turnsRound = request.order.oldestFirst && (most != noLimit || request.offset > 0);
+    const Order order{request.order.oldestFirst && !turnsRound, request.order.after};
+    LeftOut leftOut;
+    std::uint64_t wanted = 0;
+    std::deque<ReadEntry> turned;
+    forEachEntry(reader, order, isService(selection), [&](ReadEntry&& read) {
+        if (wanted == std::uint64_t{request.offset} + most) {
+            return false;
+        }
+        if (!isWanted(read, request, leftOut) || ++wanted <= request.offset) {
+            return true;
+        }
+        if (turnsRound) {
+            turned.push_front(std::move(read));
+        } else {
+            listing.add(read);
+        }
+        return true;
+    });
+    for (const ReadEntry& read : turned) {
+        listing.add(read);
+    }
+    listing.end();
+    tell(leftOut);
+}
+
+/// Shows the newest entries, then each that comes, until interrupted.
+[[noreturn]] void follow(const Selection& selection, const Request& request, Listing& listing) {
+    Order order{true, request.order.after};
+    std::size_t most = mostOf(request);
+    while (true) {
+        standalone::LogbookReader reader(fileOf(selection));  // anew, as others may only now begin to use the file
+        LeftOut leftOut;
+        std::deque<ReadEntry> newest;
+        forEachEntry(reader, order, isService(selection), [&](ReadEntry&& read) {
+            order.after = read.number;
+            if (isWanted(read, request, leftOut)) {
+                newest.push_back(std::move(read));
+            }
+            if (newest.size() > most) {
+                newest.pop_front();
+            }
+            return true;
+        });
+        for (const ReadEntry& read : newest) {
+            listing.add(read);
+        }
+        listing.flush();
+        tell(leftOut);
+        most = noLimit;
+        std::this_thread::sleep_for(followInterval);
+    }
+}
+
+void show(const Selection& selection, Request request) {
+    standalone::LogbookReader reader(fileOf(selection));
+    request.look.coloured = isColoured(request.colour);
+    request.look.width = terminalWidth();
+    const Pager pager(request.format == "table" && !request.follow && !request.noPager);
+    const auto listing = createListing(request.format, request.look);
+    if (request.follow) {
+        follow(selection, request, *listing);
+    }
+    showPage(reader, selection, request, *listing);
 }
 
 }  // namespace
 
 void declareShow(CLI::App& app, Selection& selection) {
     CLI::App& command = *app.add_subcommand("show", "Show a logbook in words, newest entry first");
-    const auto page = std::make_shared<Page>();
+    const auto request = std::make_shared<Request>();
     declareLogbook(command, selection);
     const auto isNumber = between<unsigned int>(0, std::numeric_limits<unsigned int>::max());
-    command.add_option("--offset", page->offset, "Entries to skip, 0 unless given")
+    command.add_option("--offset", request->offset, "Entries to skip, 0 unless given")
         ->type_name("NUMBER")
         ->check(isNumber);
-    command.add_option("--count", page->count, "Most entries to show, 20 unless given")
+    command.add_option("--count", request->count, "Most entries to show, 20 unless given")
         ->type_name("NUMBER")
         ->check(isNumber);
-    command.add_flag("--all", page->all, "Show every entry")->excludes("--offset")->excludes("--count");
-    command.callback([&selection, page] { show(selection, *page); });
+    command.add_flag("--all", request->all, "Show every entry")->excludes("--offset")->excludes("--count");
+    command.add_option("--after", request->order.after, "Only entries with numbers above, to go on where one left off")
+        ->type_name("NUMBER")
+        ->check(between<std::int64_t>(0, std::numeric_limits<std::int64_t>::max()));
+    command.add_flag("--reverse", request->order.oldestFirst, "Oldest entry first");
+    command.add_flag("--follow", request->follow, "Then show new entries as they come, until interrupted")
+        ->excludes("--offset")
+        ->excludes("--all");
+    declareFilter(command, request->filter);
+    command.add_option("--format", request->format, "How to show them, table unless given")
+        ->type_name("table|json|jsonl|csv")
+        ->check(oneOf(listingFormats));
+    command.add_flag("--raw", request->look.raw, "With code and parameters; also what the logbook leaves out, and why");
+    command.add_flag("--utc", request->look.utc, "Times in UTC, else as they were when the entry was made");
+    command.add_option("--color", request->colour, "Colour types, auto unless given: on a terminal without $NO_COLOR")
+        ->type_name("auto|always|never")
+        ->check(oneOf(std::vector<std::string>{"auto", "always", "never"}));
+    command.add_flag("--no-pager", request->noPager, "Don't show page by page, also on a terminal");
+    command.callback([&selection, request] { show(selection, *request); });
 }
 
 }  // namespace tool

@@ -1,13 +1,24 @@
 #pragma once
 
+#include <nsa/zel/enums/LogbookEntryType.h>
+
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 #include <system_error>
 #include <vector>
 
 namespace tool {
+
+// Index is the type.
+inline const std::vector<std::string> typeNames{"info", "warning", "error"};
+
+inline tqbase2::nsa::zel::enums::LogbookEntryType typeNamed(const std::string& name) {
+    const auto found = std::find(typeNames.begin(), typeNames.end(), name);
+    return static_cast<tqbase2::nsa::zel::enums::LogbookEntryType>(found - typeNames.begin());
+}
 
 // What is allowed stands in the type name of each option, so the validators' own descriptions would only repeat it.
 

@@ -1,0 +1,81 @@
+#include "commands.h"
+#include "entries.h"
+#include "logbooks.h"
+
+#include <standalone/errors.h>
+
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace tool {
+
+namespace {
+
+/// What a logbook does not show, one line each, with the reason.
+std::string describe(const ReadEntry& read) {
+    const std::string reason = read.reason.empty() ? "" : ": " + read.reason;
+    return "  entry " + std::to_string(read.number) + ' ' + nameOf(read.standing) + reason + '\n';
+}
+
+/// Prints whether every entry can be read, and which can't.
+bool entriesAreReadable(const Selection& selection) {
+    standalone::LogbookReader reader(fileOf(selection));
+    std::int64_t all = 0;
+    std::int64_t shown = 0;
+    std::string faults;
+    forEachEntry(reader, {true, 0}, isService(selection), [&](ReadEntry&& read) {
+        ++all;
+        if (read.standing == Standing::Shown) {
+            ++shown;
+        } else {
+            faults += describe(read);
+        }
+        return true;
+    });
+    std::cout << "sound, " << shown << " of " << all << (all == 1 ? " entry" : " entries") << " readable\n" << faults;
+    return shown == all;
+}
+
+/// Prints what a file is like.
+/// @return whether all of it is as it should be
+bool isSound(const Selection& selection) {
+    std::cout << fileOf(selection).string() << ": ";
+    try {
+        const auto damage = standalone::structuralDamage(fileOf(selection));
+        for (const std::string& line : damage) {
+            std::cout << (&line == damage.data() ? "damaged\n  " : "  ") << line << '\n';
+        }
+        return damage.empty() && entriesAreReadable(selection);
+    } catch (const standalone::DatabaseError& error) {
+        const std::string prefix = fileOf(selection).string() + ": ";
+        const std::string text = error.what();
+        std::cout << (text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text) << '\n';
+        return false;
+    }
+}
+
+void check(const Selection& selection) {
+    const std::vector<std::string> names = selection.logbook.empty() ? std::vector<std::string>{"customer", "service"}
+                                                                     : std::vector<std::string>{selection.logbook};
+    bool sound = true;
+    for (const std::string& name : names) {
+        sound = isSound({selection.folder, name}) && sound;
+    }
+    if (!sound) {
+        throw std::runtime_error("not everything is as it should be");
+    }
+}
+
+}  // namespace
+
+void declareCheck(CLI::App& app, Selection& selection) {
+    CLI::App& command = *app.add_subcommand("check", "Check the files: whether they are sound and each entry readable");
+    declareLogbook(command, selection)->required(false)->description("The logbook, both unless given");
+    command.callback([&selection] { check(selection); });
+}
+
+}  // namespace tool

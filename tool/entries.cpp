@@ -1,0 +1,125 @@
+#include "entries.h"
+
+#include <lgb/DescriptionCreator.h>
+#include <lgb/Entry.h>
+#include <lgb/ServiceDescriptionCreator.h>
+#include <nsa/zel/converter/zel/structs/LogbookEntryConverter.h>
+#include <tqbase2/system/Exception.h>
+#include <tqbase2/system/JsonUtility.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <limits>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+namespace enums = tqbase2::nsa::zel::enums;
+using standalone::StoredRecord;
+using tqbase2::nsa::zel::logbook::Entry;
+using tqbase2::nsa::zel::structs::LogbookEntry;
+using tqbase2::nsa::zel::structs::LogbookEntryConverter;
+
+namespace {
+
+// Index is the standing.
+constexpr const char* standingNames[] = {"shown", "service only", "wordless", "unreadable", "damaged"};
+
+constexpr unsigned int recordsAtOnce = 256;
+
+std::string wordsOf(const Entry& entry) {
+    return lgb::DescriptionCreator().createText({static_cast<std::uint32_t>(entry.code), entry.type},
+                                                entry.details.params);
+}
+
+/// Why an entry can't be put in words.
+std::string reasonOf(const Entry& entry) {
+    if (entry.details.generation == enums::Generation::Kestrel) {
+        return R"(its parameters hold no readable "typeProduct" and "text")";
+    }
+    try {
+        wordsOf(entry);
+        return "its parameters can't be read";
+    } catch (const std::exception& exception) {
+        return exception.what();
+    }
+}
+
+/// Puts an entry in words as its logbook does.
+bool describe(Entry& entry, bool service) {
+    return service ? lgb::ServiceDescriptionCreator().create(entry) : lgb::DescriptionCreator().create(entry);
+}
+
+void putInWords(ReadEntry& read, bool service) {
+    if (!service && lgb::isServiceOnly(read.entry)) {
+        read.standing = Standing::ServiceOnly;
+        return;
+    }
+    try {
+        read.standing = describe(read.entry, service) ? Standing::Shown : Standing::Wordless;
+    } catch (const std::exception&) {
+        read.standing = Standing::Wordless;
+    }
+    if (read.standing == Standing::Wordless) {
+        read.reason = reasonOf(read.entry);
+    } else if (read.entry.details.generation != enums::Generation::Kestrel && !lgb::isServiceOnly(read.entry)) {
+        read.hasMessage = wordsOf(read.entry) != "unknown entry";
+    }
+}
+
+}  // namespace
+
+const char* nameOf(Standing standing) {
+    return standingNames[static_cast<std::size_t>(standing)];
+}
+
+std::string codeOf(const Entry& entry) {
+    constexpr const char* letters = "IWE";
+    return letters[static_cast<std::size_t>(entry.type)] + std::to_string(static_cast<std::uint32_t>(entry.code));
+}
+
+ReadEntry readEntry(const StoredRecord& record, bool service) {
+    ReadEntry read;
+    read.number = record.number;
+    read.document = record.content.json;
+    read.entry.timestamp = record.content.timestamp;
+    read.clockSetBack = std::max<std::int64_t>(
+        0, record.secondsBefore.value_or(record.content.timestamp.seconds) - record.content.timestamp.seconds);
+    if (!record.intact) {
+        read.standing = Standing::Damaged;
+        return read;
+    }
+    try {
+        static_cast<LogbookEntry&>(read.entry) =
+            LogbookEntryConverter::fromJsonToVal(tqbase2::system::JsonUtility::toJsonValue(read.document));
+    } catch (const std::exception& exception) {
+        read.standing = Standing::Unreadable;
+        read.reason = exception.what();
+        return read;
+    }
+    putInWords(read, service);
+    return read;
+}
+
+void forEachEntry(standalone::LogbookReader& reader, const Order& order, bool service,
+                  const std::function<bool(ReadEntry&&)>& consume) {
+    std::int64_t last = order.oldestFirst ? order.after : std::numeric_limits<std::int64_t>::max();
+    while (true) {
+        const std::vector<StoredRecord> records =
+            order.oldestFirst ? reader.after(last, recordsAtOnce) : reader.before(last, recordsAtOnce);
+        for (const StoredRecord& record : records) {
+            if (record.number <= order.after || !consume(readEntry(record, service))) {
+                return;
+            }
+        }
+        if (records.empty()) {
+            return;
+        }
+        last = records.back().number;
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <nsa/zel/logbook/Entry.h>
+#include <standalone/LogbookReader.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace tool {
+
+/// What a logbook makes of a record.
+enum class Standing {
+    Shown,
+    ServiceOnly,  ///< a free text in the customer logbook, which shows none
+    Wordless,     ///< its message can't be put in words
+    Unreadable,   ///< what is stored is no entry
+    Damaged,      ///< what is stored is not what was added
+};
+
+/// How a standing is called in the tool's output.
+const char* nameOf(Standing standing);
+
+/// A record with all that is known of it.
+struct ReadEntry {
+    std::int64_t number = 0;
+    tqbase2::nsa::zel::logbook::Entry entry;  ///< as far as it could be read
+    Standing standing = Standing::Shown;
+    std::string reason;             ///< why it is wordless or unreadable
+    std::string document;           ///< what is stored
+    bool hasMessage = true;         ///< false: "unknown entry"
+    std::int64_t clockSetBack = 0;  ///< seconds by which it is older than the record added before it
+};
+
+/// "E14", the short name of a message.
+std::string codeOf(const tqbase2::nsa::zel::logbook::Entry& entry);
+
+/// Reads a record as its logbook does.
+/// @param service whether it is of the service logbook
+ReadEntry readEntry(const standalone::StoredRecord& record, bool service);
+
+/// In which order and from where on entries are read.
+struct Order {
+    bool oldestFirst = false;
+    std::int64_t after = 0;  ///< only entries with numbers above
+};
+
+/// Calls for each entry, until it returns false. Holds only a few at a time.
+void forEachEntry(standalone::LogbookReader& reader, const Order& order, bool service,
+                  const std::function<bool(ReadEntry&&)>& consume);
+
+}  // namespace tool

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "entries.h"
+
+#include <lgb/Code.h>
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace re2 {
+class RE2;
+}
+
+namespace tool {
+
+/// Which entries are wanted; each condition that is set must hold.
+struct Filter {
+    std::vector<tqbase2::nsa::zel::enums::LogbookEntryType> types;  ///< one of these
+    std::vector<lgb::code::Code> codes;                             ///< one of these
+    std::optional<std::int64_t> unit;
+    std::optional<std::int64_t> device;
+    std::optional<std::int64_t> since;  ///< seconds since 1970-01-01T00:00:00Z
+    std::optional<std::int64_t> until;
+    std::shared_ptr<const re2::RE2> pattern;  ///< somewhere in the description
+
+    bool matches(const ReadEntry& read) const;
+};
+
+/// Declares an option for each condition.
+void declareFilter(CLI::App& command, Filter& filter);
+
+/// The code a short name such as "E14" stands for.
+/// @throws CLI::ValidationError naming `argument`
+lgb::code::Code codeNamed(const std::string& argument, const std::string& name);
+
+}  // namespace tool

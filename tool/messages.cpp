@@ -1,0 +1,146 @@
+#include "commands.h"
+#include "filter.h"
+#include "terminal.h"
+#include "validators.h"
+
+#include <lgb/DescriptionCreator.h>
+#include <lgb/catalogue.h>
+#include <tqbase2/system/JsonUtility.h>
+
+#include <fmt/format.h>
+#include <json/value.h>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+using lgb::catalogue::Message;
+using lgb::catalogue::Place;
+
+namespace {
+
+std::string codeOf(const Message& message) {
+    return "IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id);
+}
+
+/// The message as it is shown, its places with their names.
+std::string wordingOf(const Message& message) {
+    return message.words + lgb::descriptionEnd(message.type);
+}
+
+/// The members that a message reads, each once: two places may read the same.
+std::vector<Place> membersOf(const Message& message) {
+    std::vector<Place> members;
+    for (const Place& place : message.places) {
+        const auto isSame = [&](const Place& member) { return member.key == place.key; };
+        if (std::none_of(members.begin(), members.end(), isSame)) {
+            members.push_back(place);
+        }
+    }
+    return members;
+}
+
+std::string membersText(const Message& message) {
+    std::string text;
+    for (const Place& member : membersOf(message)) {
+        text += (text.empty() ? "" : "; ") + member.key + ": " + member.holds;
+    }
+    return text;
+}
+
+void printTable(const std::vector<Message>& messages) {
+    for (const Message& message : messages) {
+        const std::string members = membersText(message);
+        std::cout << fmt::format("{:<4}  {}{}\n", codeOf(message), wordingOf(message),
+                                 members.empty() ? "" : "  [" + members + ']');
+    }
+}
+
+void printMarkdown(const std::vector<Message>& messages) {
+    std::cout
+        << "# Messages\n\nMade by `tqzel-logbook messages --format markdown`. A name in braces is a place that the "
+           "parameter\nrecord fills in.\n\n| code | type | wording | parameters |\n|---|---|---|---|\n";
+    for (const Message& message : messages) {
+        std::cout << fmt::format("| {} | {} | {} | {} |\n", codeOf(message),
+                                 typeNames[static_cast<std::size_t>(message.type)], wordingOf(message),
+                                 membersText(message));
+    }
+}
+
+void printJson(const std::vector<Message>& messages) {
+    Json::Value list(Json::arrayValue);
+    for (const Message& message : messages) {
+        Json::Value json;
+        json["code"] = codeOf(message);
+        json["type"] = typeNames[static_cast<std::size_t>(message.type)];
+        json["id"] = message.id;
+        json["wording"] = wordingOf(message);
+        json["parameters"] = Json::Value(Json::objectValue);
+        for (const Place& member : membersOf(message)) {
+            json["parameters"][member.key] = member.holds;
+        }
+        list.append(json);
+    }
+    std::cout << tqbase2::system::JsonUtility::toJsonString(list) << '\n';
+}
+
+struct Format {
+    const char* name;
+    void (*print)(const std::vector<Message>& messages);
+};
+
+constexpr Format formats[] = {{"table", printTable}, {"markdown", printMarkdown}, {"json", printJson}};
+
+void listMessages(const std::string& type, const std::string& format) {
+    std::vector<Message> messages;
+    for (const Message& message : lgb::catalogue::messages()) {
+        if (type.empty() || message.type == typeNamed(type)) {
+            messages.push_back(message);
+        }
+    }
+    std::find_if(std::begin(formats), std::end(formats), [&](const Format& each) {
+        return each.name == format;
+    })->print(messages);
+}
+
+void explain(const std::string& name) {
+    const lgb::code::Code code = codeNamed("code", name);
+    for (const Message& message : lgb::catalogue::messages()) {
+        if (message.type != code.type() || message.id != code.id()) {
+            continue;
+        }
+        std::cout << codeOf(message) << "  " << wordingOf(message) << '\n';
+        for (const Place& place : message.places) {
+            std::cout << fmt::format("  {{{}}} is made from parameter \"{}\": {}\n", place.name, place.key,
+                                     place.holds);
+        }
+        return;
+    }
+    throw CLI::ValidationError("code", "there is no message " + name + "; `tqzel-logbook messages` lists them");
+}
+
+}  // namespace
+
+void declareMessages(CLI::App& app) {
+    CLI::App& command = *app.add_subcommand("messages", "List all messages with their parameters");
+    const auto type = std::make_shared<std::string>();
+    const auto format = std::make_shared<std::string>("table");
+    command.add_option("--type", *type, "Only of this type")->type_name("error|warning|info")->check(oneOf(typeNames));
+    command.add_option("--format", *format, "How to show them, table unless given")
+        ->type_name("table|markdown|json")
+        ->check(oneOf(std::vector<std::string>{"table", "markdown", "json"}));
+    command.callback([type, format] { listMessages(*type, *format); });
+}
+
+void declareExplain(CLI::App& app) {
+    CLI::App& command = *app.add_subcommand("explain", "Tell what a code stands for");
+    const auto code = std::make_shared<std::string>();
+    command.add_option("code", *code, "Such as E14")->required()->type_name("CODE");
+    command.callback([code] { explain(*code); });
+}
+
+}  // namespace tool

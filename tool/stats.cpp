@@ -1,0 +1,142 @@
+#include "commands.h"
+#include "entries.h"
+#include "filter.h"
+#include "logbooks.h"
+#include "moments.h"
+#include "terminal.h"
+#include "validators.h"
+
+#include <lgb/Entry.h>
+#include <lgb/catalogue.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+namespace {
+
+using Counts = std::map<std::string, std::int64_t>;
+
+/// What a logbook holds, counted.
+struct Statistics {
+    Counts types;
+    Counts messages;
+    Counts units;
+    Counts devices;
+    Counts standings;
+    std::vector<std::int64_t> seconds;
+
+    std::int64_t all() const { return static_cast<std::int64_t>(seconds.size()); }
+};
+
+std::string numberOf(std::int64_t number) {
+    return number < 0 ? "none" : std::to_string(number);
+}
+
+void count(const ReadEntry& read, Statistics& statistics) {
+    statistics.seconds.push_back(read.entry.timestamp.seconds);
+    ++statistics.standings[nameOf(read.standing)];
+    if (read.standing == Standing::Unreadable || read.standing == Standing::Damaged) {
+        return;
+    }
+    ++statistics.types[typeNames[static_cast<std::size_t>(read.entry.type)]];
+    ++statistics.messages[lgb::isServiceOnly(read.entry) ? "free text" : codeOf(read.entry)];
+    ++statistics.units[numberOf(read.entry.details.unit)];
+    ++statistics.devices[numberOf(read.entry.details.device)];
+}
+
+/// Most frequent first.
+std::vector<std::pair<std::string, std::int64_t>> ranked(const Counts& counts) {
+    std::vector<std::pair<std::string, std::int64_t>> rows(counts.begin(), counts.end());
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const auto& left, const auto& right) { return left.second > right.second; });
+    return rows;
+}
+
+/// The wording of each message by its short name.
+std::map<std::string, std::string> wordings() {
+    std::map<std::string, std::string> words;
+    for (const lgb::catalogue::Message& message : lgb::catalogue::messages()) {
+        words["IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id)] = message.words;
+    }
+    return words;
+}
+
+void print(const char* title, const Counts& counts, const std::map<std::string, std::string>& words = {}) {
+    std::cout << '\n' << title << '\n';
+    for (const auto& [name, number] : ranked(counts)) {
+        const auto wording = words.find(name);
+        std::cout << fmt::format("{:>8}  {}{}\n", number, name, wording == words.end() ? "" : "  " + wording->second);
+    }
+}
+
+/// A bar for each part of the time that the entries span.
+void printChart(const std::vector<std::int64_t>& seconds) {
+    constexpr std::int64_t mostParts = 12;
+    constexpr std::int64_t columns = 40;
+    const auto [first, last] = std::minmax_element(seconds.begin(), seconds.end());
+    const std::int64_t length = (*last - *first) / mostParts + 1;
+    const std::int64_t parts = (*last - *first) / length + 1;
+    std::vector<std::int64_t> counts(static_cast<std::size_t>(parts));
+    for (const std::int64_t each : seconds) {
+        ++counts[static_cast<std::size_t>((each - *first) / length)];
+    }
+    const std::int64_t most = *std::max_element(counts.begin(), counts.end());
+    std::cout << "\nOver time, " << duration(length) << " a line\n";
+    for (std::int64_t part = 0; part < parts; ++part) {
+        const std::int64_t number = counts[static_cast<std::size_t>(part)];
+        const auto bar = static_cast<std::size_t>((number * columns + most - 1) / most);
+        std::cout << fmt::format("  {}  {:<{}}  {}\n", localMinute(*first + part * length), std::string(bar, '#'),
+                                 columns, number);
+    }
+}
+
+void print(const Statistics& statistics) {
+    std::cout << statistics.all() << (statistics.all() == 1 ? " entry" : " entries");
+    if (statistics.seconds.empty()) {
+        std::cout << '\n';
+        return;
+    }
+    const auto [first, last] = std::minmax_element(statistics.seconds.begin(), statistics.seconds.end());
+    std::cout << " from " << localMinute(*first) << " to " << localMinute(*last) << '\n';
+    print("Types", statistics.types);
+    print("Messages", statistics.messages, wordings());
+    print("Units", statistics.units);
+    print("Devices", statistics.devices);
+    if (statistics.standings.size() > 1 || statistics.standings.count(nameOf(Standing::Shown)) == 0) {
+        print("Standing", statistics.standings);
+    }
+    printChart(statistics.seconds);
+}
+
+void stats(const Selection& selection, const Filter& filter) {
+    standalone::LogbookReader reader(fileOf(selection));
+    Statistics statistics;
+    forEachEntry(reader, {}, isService(selection), [&](ReadEntry&& read) {
+        if (filter.matches(read)) {
+            count(read, statistics);
+        }
+        return true;
+    });
+    print(statistics);
+}
+
+}  // namespace
+
+void declareStats(CLI::App& app, Selection& selection) {
+    CLI::App& command = *app.add_subcommand("stats", "Count messages, types, units and devices");
+    const auto filter = std::make_shared<Filter>();
+    declareLogbook(command, selection);
+    declareFilter(command, *filter);
+    command.callback([&selection, filter] { stats(selection, *filter); });
+}
+
+}  // namespace tool

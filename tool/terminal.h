@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+/// Columns of the terminal that standard output is; 0 when it is none.
+std::size_t terminalWidth();
+
+/// Whether to colour standard output: a terminal without $NO_COLOR, unless "always" or "never" is asked for.
+bool isColoured(const std::string& when);
+
+/// A text as it may be shown: control characters would break its line or steer the terminal, so they and bytes that are
+/// no UTF-8 are shown as \x1b and the like.
+std::string printable(std::string_view text);
+
+/// The same text with U+FFFD for what is no UTF-8.
+std::string validUtf8(std::string_view text);
+
+bool isUtf8(std::string_view text);
+
+/// Columns a printable text takes.
+std::size_t widthOf(std::string_view text);
+
+/// A printable text broken into lines at its blanks, and where there are none at any character.
+/// @param width in columns; 0: one line
+std::vector<std::string> wrapped(std::string_view text, std::size_t width);
+
+/// While it lives, what goes to standard output is shown by $PAGER, or less, page by page; only on a terminal.
+class Pager {
+public:
+    explicit Pager(bool wanted);
+
+    Pager(const Pager&) = delete;
+    Pager& operator=(const Pager&) = delete;
+    ~Pager();
+
+private:
+    std::FILE* pipe = nullptr;
+    int output = -1;
+};
+
+}  // namespace tool
