@@ -1,4 +1,4 @@
-#include "run.h"
+#include "ToolFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -10,13 +10,9 @@ namespace {
 
 using support::Outcome;
 
-/// Each test has a folder of logbooks of its own.
-class Tool : public testing::Test {
+/// Adds by the tool itself.
+class Tool : public ToolFixture {
 protected:
-    Outcome tool(const std::string& arguments) const {
-        return support::run("TQZEL_LOGBOOK_DIR='" + folder.path().string() + "' " + TQZEL_TOOL + ' ' + arguments);
-    }
-
     void add(const std::string& arguments) const {
         const Outcome outcome = tool("add " + arguments);
         EXPECT_EQ(outcome.exitCode, 0) << arguments;
@@ -32,38 +28,26 @@ protected:
         return std::regex_replace(outcome.output, time, "TIME");
     }
 
-    std::string error(const Outcome& outcome, int exitCode) const {
-        EXPECT_EQ(outcome.exitCode, exitCode);
-        EXPECT_EQ(outcome.output, "");
-        return outcome.errors;
-    }
-
-    /// The one line that answers wrong use.
-    std::string wrongUse(const std::string& arguments) const { return error(tool(arguments), 2); }
-
-    /// The one line that tells of a failure.
-    std::string failure(const std::string& arguments) const { return error(tool(arguments), 1); }
-
-    support::TemporaryFolder folder;
-    const std::string header = "Time                       Type     Description\n";
+    const std::string header = "No.  Time                       Type     Description\n";
 };
 
 TEST_F(Tool, ShowsInWordsWhatWasAdded) {
     add("customer error 14 --bus 1 --module 3");
     EXPECT_EQ(shown("customer"),
-              "Time                       Type   Description\n"
-              "TIME  Error  Setting attenuation failed for amplifier 3 on bus 1!\n");
+              "No.  Time                       Type   Description\n"
+              "  1  TIME  Error  Setting attenuation failed for amplifier 3 on bus 1!\n");
 }
 
 TEST_F(Tool, ShowsTheNewestFirstInColumns) {
     add("customer info 20");
     add("customer warning 63 --bus 1 --module 3 --unit 2 --device 4");
     add("customer error 79");
-    EXPECT_EQ(shown("customer"),
-              header +
-                  "TIME  Error    Detected all fans to be defective!\n"
-                  "TIME  Warning  Device 4, Unit 2: Too low driver current for amplifier 3 on bus 1 reduced RF Power!\n"
-                  "TIME  Info     System restarted.\n");
+    EXPECT_EQ(
+        shown("customer"),
+        header +
+            "  3  TIME  Error    Detected all fans to be defective!\n"
+            "  2  TIME  Warning  Device 4, Unit 2: Too low driver current for amplifier 3 on bus 1 reduced RF Power!\n"
+            "  1  TIME  Info     System restarted.\n");
 }
 
 TEST_F(Tool, ShowsAPage) {
@@ -71,45 +55,48 @@ TEST_F(Tool, ShowsAPage) {
     add("customer info 229");
     add("customer info 230");
     EXPECT_EQ(shown("customer --offset 1 --count 1"),
-              "Time                       Type  Description\n"
-              "TIME  Info  RF was turned on.\n");
+              "No.  Time                       Type  Description\n"
+              "  2  TIME  Info  RF was turned on.\n");
 }
 
 TEST_F(Tool, Shows20EntriesUnlessAskedForAll) {
     for (int number = 0; number < 25; ++number) {
         add("service info --text Rebooted");
     }
-    const std::string row = "TIME  Info  Rebooted\n";
-    std::string expected = "Time                       Type  Description\n";
-    for (int number = 0; number < 20; ++number) {
-        expected += row;
-    }
+    const auto rows = [](int from, int downTo) {
+        std::string text;
+        for (int number = from; number >= downTo; --number) {
+            text += (number < 10 ? "  " : " ") + std::to_string(number) + "  TIME  Info  Rebooted\n";
+        }
+        return text;
+    };
+    const std::string expected = "No.  Time                       Type  Description\n" + rows(25, 6);
     EXPECT_EQ(shown("service"), expected);
-    EXPECT_EQ(shown("service --all"), expected + row + row + row + row + row);
+    EXPECT_EQ(shown("service --all"), expected + rows(5, 1));
 }
 
 TEST_F(Tool, ShowsAnEmptyLogbookAsItsHeadings) {
     add("customer info 20");
     tool("clear customer --yes");
-    EXPECT_EQ(shown("customer"), "Time  Type  Description\n");
+    EXPECT_EQ(shown("customer"), "No.  Time  Type  Description\n");
 }
 
 TEST_F(Tool, KeepsTheTwoLogbooksApart) {
     add("service info --text 'Fan 2 replaced' --unit 1");
     add("customer info 20");
     EXPECT_EQ(shown("service"),
-              "Time                       Type  Description\n"
-              "TIME  Info  Unit 1: Fan 2 replaced\n");
+              "No.  Time                       Type  Description\n"
+              "  1  TIME  Info  Unit 1: Fan 2 replaced\n");
     EXPECT_EQ(shown("customer"),
-              "Time                       Type  Description\n"
-              "TIME  Info  System restarted.\n");
+              "No.  Time                       Type  Description\n"
+              "  1  TIME  Info  System restarted.\n");
 }
 
 TEST_F(Tool, ShowsTheServiceDetailInTheServiceLogbook) {
     add("service error 15 --bus 1 --module 3 --service '(Id 82 A)'");
     EXPECT_EQ(shown("service"),
-              "Time                       Type   Description\n"
-              "TIME  Error  Self-Protection occurred for amplifier 3 on bus 1! (Id 82 A)\n");
+              "No.  Time                       Type   Description\n"
+              "  1  TIME  Error  Self-Protection occurred for amplifier 3 on bus 1! (Id 82 A)\n");
 }
 
 TEST_F(Tool, TakesEveryParameterAsAnOption) {
@@ -125,46 +112,46 @@ TEST_F(Tool, TakesEveryParameterAsAnOption) {
     add("customer info 127 --interlock-mode automatic");
     add("customer error 282 --role device --nr 2");
     EXPECT_EQ(shown("customer"), header +
-                                     "TIME  Error    Invalid configuration for device 2!\n"
-                                     "TIME  Info     Interlock 1 (automatic) was opened.\n"
-                                     "TIME  Info     Output Mode of RF-Path \"A\" changed to High VSWR.\n"
-                                     "TIME  Info     Operating Class of RF-Path \"A\" changed to 5.\n"
-                                     "TIME  Error    Setting AMPL_ON failed for bus 7!\n"
-                                     "TIME  Error    Incompatible Firmware 1.2!\n"
-                                     "TIME  Error    Invalid Product Type X!\n"
-                                     "TIME  Warning  Detected defective fan 1 (with fan 0 ok)!\n"
-                                     "TIME  Error    Selecting of RF-Path 4 failed!\n"
-                                     "TIME  Error    Setting Power Unit to W failed!\n"
-                                     "TIME  Error    Setting Automatic Standby to on failed!\n");
+                                     " 11  TIME  Error    Invalid configuration for device 2!\n"
+                                     " 10  TIME  Info     Interlock 1 (automatic) was opened.\n"
+                                     "  9  TIME  Info     Output Mode of RF-Path \"A\" changed to High VSWR.\n"
+                                     "  8  TIME  Info     Operating Class of RF-Path \"A\" changed to 5.\n"
+                                     "  7  TIME  Error    Setting AMPL_ON failed for bus 7!\n"
+                                     "  6  TIME  Error    Incompatible Firmware 1.2!\n"
+                                     "  5  TIME  Error    Invalid Product Type X!\n"
+                                     "  4  TIME  Warning  Detected defective fan 1 (with fan 0 ok)!\n"
+                                     "  3  TIME  Error    Selecting of RF-Path 4 failed!\n"
+                                     "  2  TIME  Error    Setting Power Unit to W failed!\n"
+                                     "  1  TIME  Error    Setting Automatic Standby to on failed!\n");
 }
 
 TEST_F(Tool, TakesTheWholeRecordAsJsonWithOptionsOnTop) {
     add("customer error 14 --params '{\"bus\":1,\"module\":2}' --module 3");
     EXPECT_EQ(shown("customer"),
-              "Time                       Type   Description\n"
-              "TIME  Error  Setting attenuation failed for amplifier 3 on bus 1!\n");
+              "No.  Time                       Type   Description\n"
+              "  1  TIME  Error  Setting attenuation failed for amplifier 3 on bus 1!\n");
 }
 
 TEST_F(Tool, RecordsAnEntryOfTheFirstGeneration) {
     add("customer info 20 --generation Kestrel --params '{\"typeProduct\":\"Wren\",\"text\":\"Fan cleaned\"}'");
     EXPECT_EQ(shown("customer"),
-              "Time                       Type  Description\n"
-              "TIME  Info  Wren Fan cleaned\n");
+              "No.  Time                       Type  Description\n"
+              "  1  TIME  Info  Wren Fan cleaned\n");
 }
 
 TEST_F(Tool, ShowsControlCharactersOfATextAsEscapes) {
     add("service info --text \"$(printf 'two\\nlines \\033[31mred\\177')\"");
     EXPECT_EQ(shown("service"),
-              "Time                       Type  Description\n"
-              "TIME  Info  two\\x0alines \\x1b[31mred\\x7f\n");
+              "No.  Time                       Type  Description\n"
+              "  1  TIME  Info  two\\x0alines \\x1b[31mred\\x7f\n");
 }
 
 TEST_F(Tool, ClearsOneLogbookWhenTold) {
     add("customer info 20");
     add("service info 20");
     EXPECT_EQ(tool("clear customer --yes").exitCode, 0);
-    EXPECT_EQ(shown("customer"), "Time  Type  Description\n");
-    EXPECT_NE(shown("service"), "Time  Type  Description\n");
+    EXPECT_EQ(shown("customer"), "No.  Time  Type  Description\n");
+    EXPECT_NE(shown("service"), "No.  Time  Type  Description\n");
 }
 
 TEST_F(Tool, AsksBeforeItClears) {
@@ -174,15 +161,15 @@ TEST_F(Tool, AsksBeforeItClears) {
     const Outcome no = support::run("echo n | " + tool + " clear customer");
     EXPECT_EQ(no.exitCode, 0);
     EXPECT_EQ(no.output, "Remove all entries of the customer logbook? [y/N] Nothing removed.\n");
-    EXPECT_NE(shown("customer"), "Time  Type  Description\n");
+    EXPECT_NE(shown("customer"), "No.  Time  Type  Description\n");
 
     const Outcome nobody = support::run(tool + " clear customer </dev/null");
     EXPECT_EQ(nobody.exitCode, 2);
     EXPECT_EQ(nobody.errors, "tqzel-logbook: An answer, or --yes, is required\n");
-    EXPECT_NE(shown("customer"), "Time  Type  Description\n");
+    EXPECT_NE(shown("customer"), "No.  Time  Type  Description\n");
 
     EXPECT_EQ(support::run("echo y | " + tool + " clear customer").exitCode, 0);
-    EXPECT_EQ(shown("customer"), "Time  Type  Description\n");
+    EXPECT_EQ(shown("customer"), "No.  Time  Type  Description\n");
 }
 
 TEST_F(Tool, WorksInTheFolderOfTheOption) {
@@ -190,7 +177,7 @@ TEST_F(Tool, WorksInTheFolderOfTheOption) {
     add("customer info 20 --folder " + other);
     EXPECT_TRUE(std::filesystem::exists(other + "/lgbCustomer.db"));
     EXPECT_FALSE(std::filesystem::exists(folder / "lgbCustomer.db"));
-    EXPECT_NE(shown("customer --folder " + other), "Time  Type  Description\n");
+    EXPECT_NE(shown("customer --folder " + other), "No.  Time  Type  Description\n");
 }
 
 TEST_F(Tool, AnswersWrongUseWithOneLine) {
@@ -260,8 +247,8 @@ TEST_F(Tool, WorksOnOneLogbookWhateverIsWrongWithTheOther) {
     support::write(folder / "lgbService.db", "Dear diary");
     add("customer info 20");
     EXPECT_EQ(shown("customer"),
-              "Time                       Type  Description\n"
-              "TIME  Info  System restarted.\n");
+              "No.  Time                       Type  Description\n"
+              "  1  TIME  Info  System restarted.\n");
 }
 
 TEST_F(Tool, MakesNoOtherLogbookThanTheOneItWorksOn) {
