@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <ctime>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -20,12 +21,12 @@ constexpr std::int64_t day = 24 * hour;
 
 struct Unit {
     std::string_view name;
-    std::string_view symbol;
+    std::string_view symbol;  // empty: no duration is told in it
     std::int64_t seconds;
 };
 
 constexpr Unit units[] = {
-    {"week", "weeks", 7 * day}, {"day", "d", day}, {"hour", "h", hour}, {"minute", "min", minute}, {"second", "s", 1}};
+    {"week", "", 7 * day}, {"day", "d", day}, {"hour", "h", hour}, {"minute", "min", minute}, {"second", "s", 1}};
 
 /// How a time may be written, and how long what it names lasts.
 struct Format {
@@ -44,14 +45,49 @@ const char* take(const std::string& text, const char* format, std::tm& time) {
     return strptime(text.c_str(), format, &time);
 }
 
+/// The calendar and the clock have this time; there is no 30th of February.
+bool exists(std::tm time) {
+    const std::tm before = time;
+    timegm(&time);
+    return time.tm_mday == before.tm_mday && time.tm_sec == before.tm_sec;
+}
+
+/// Where the clock shows this time in summer or in winter, if it does.
+std::optional<std::int64_t> shownIn(std::tm time, int isSummer) {
+    const int clock = time.tm_hour * 60 + time.tm_min;
+    time.tm_isdst = isSummer;
+    const std::int64_t seconds = std::mktime(&time);
+    return time.tm_hour * 60 + time.tm_min == clock ? std::optional(seconds) : std::nullopt;
+}
+
+/// The moments at which the clock shows this time: one, in the night when it is put back two.
+Span localMoments(std::tm time) {
+    const auto summer = shownIn(time, 1);
+    const auto winter = shownIn(time, 0);
+    time.tm_isdst = -1;
+    const std::int64_t leapt = std::mktime(&time);  // what the clock never shows in the night when it is put forward
+    return {summer.value_or(winter.value_or(leapt)), winter.value_or(summer.value_or(leapt))};
+}
+
+Span localSpan(const std::tm& time, std::int64_t length) {
+    const Span begin = localMoments(time);
+    if (length < day) {
+        return {begin.first, begin.last + length - 1};
+    }
+    std::tm nextDay = time;
+    ++nextDay.tm_mday;
+    return {begin.first, localMoments(nextDay).first - 1};
+}
+
 std::optional<Span> isoSpan(const std::string& text) {
     for (const Format& format : formats) {
         std::tm time{};
         const char* const end = take(text, format.format, time);
+        if (end != nullptr && !exists(time)) {
+            return std::nullopt;
+        }
         if (end != nullptr && *end == '\0') {
-            time.tm_isdst = -1;
-            const std::int64_t first = std::mktime(&time);
-            return Span{first, first + format.seconds - 1};
+            return localSpan(time, format.seconds);
         }
         const std::string zoned = std::string(format.format) + (end != nullptr && *end == ' ' ? " %z" : "%z");
         const char* const zonedEnd = end == nullptr ? nullptr : take(text, zoned.c_str(), time);
@@ -112,6 +148,12 @@ std::string utcFormatted(std::int64_t seconds, const char* format) {
     return gmtime_r(&time, &parts) == nullptr ? std::to_string(seconds) : formatted(parts, format);
 }
 
+std::string localFormatted(std::int64_t seconds, const char* format) {
+    const auto time = static_cast<std::time_t>(seconds);
+    std::tm parts{};
+    return localtime_r(&time, &parts) == nullptr ? std::to_string(seconds) : formatted(parts, format);
+}
+
 }  // namespace
 
 Span spanOf(const std::string& text, std::int64_t now) {
@@ -139,9 +181,16 @@ std::string iso8601(std::int64_t seconds, std::int64_t nanoseconds) {
 }
 
 std::string localMinute(std::int64_t seconds) {
-    const auto time = static_cast<std::time_t>(seconds);
-    std::tm parts{};
-    return localtime_r(&time, &parts) == nullptr ? std::to_string(seconds) : formatted(parts, "%Y-%m-%d %H:%M");
+    return localFormatted(seconds, "%Y-%m-%d %H:%M");
+}
+
+std::string localSecond(std::int64_t seconds) {
+    return localFormatted(seconds, "%Y-%m-%d %H:%M:%S");
+}
+
+std::int64_t secondsBetween(std::int64_t first, std::int64_t last) {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max() - 1;
+    return first < 0 && last > most + first ? most : last - first;
 }
 
 std::string duration(std::int64_t seconds) {
@@ -149,6 +198,9 @@ std::string duration(std::int64_t seconds) {
     int named = 0;
     for (const Unit& unit : units) {
         const std::int64_t count = seconds / unit.seconds;
+        if (unit.symbol.empty()) {
+            continue;
+        }
         if (count > 0 && named < 2) {
             text += fmt::format("{}{} {}", named == 0 ? "" : " ", count, unit.symbol);
             ++named;
