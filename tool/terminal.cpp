@@ -15,9 +15,12 @@ namespace tool {
 
 namespace {
 
+// Not every device has less.
+constexpr const char* usualPager = "if command -v less >/dev/null; then exec less; else exec cat; fi";
+
 std::string environment(const char* variable, const char* otherwise) {
     const char* const value = std::getenv(variable);
-    return value == nullptr || *value == '\0' ? otherwise : value;
+    return value == nullptr ? otherwise : value;
 }
 
 /// The character a text starts with.
@@ -116,25 +119,32 @@ std::size_t widthOf(std::string_view text) {
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
     std::vector<std::string> lines;
-    while (width > 0 && widthOf(text) > width) {
+    while (width > 0) {
         const std::size_t most = bytesThatFit(text, width);
+        if (most == text.size()) {
+            break;
+        }
         const std::size_t blank = text.rfind(' ', most);
         const std::size_t end = blank == std::string_view::npos || blank == 0 ? most : blank;
         lines.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ', end)));
+        const std::size_t next = text.find_first_not_of(' ', end);
+        if (next == std::string_view::npos) {
+            return lines;
+        }
+        text.remove_prefix(next);
     }
     lines.emplace_back(text);
     return lines;
 }
 
 Pager::Pager(bool wanted) {
-    const std::string command = environment("PAGER", "less");
-    if (!wanted || isatty(STDOUT_FILENO) == 0 || command == "cat") {
+    const std::string command = environment("PAGER", usualPager);
+    if (!wanted || isatty(STDOUT_FILENO) == 0 || command.empty() || command == "cat") {
         return;
     }
-    setenv("LESS", "FRX", 0);       // a page that fits the screen is just shown; colours go through
-    std::signal(SIGPIPE, SIG_IGN);  // who has read enough ends the pager
+    setenv("LESS", "FRX", 0);  // a page that fits the screen is just shown; colours go through
     pipe = popen(command.c_str(), "w");
+    std::signal(SIGPIPE, SIG_IGN);  // who has read enough ends the pager
     if (pipe != nullptr) {
         output = dup(STDOUT_FILENO);
         dup2(fileno(pipe), STDOUT_FILENO);

@@ -30,7 +30,8 @@ std::size_t widthOf(std::string_view text);
 /// @param width in columns; 0: one line
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
-/// While it lives, what goes to standard output is shown by $PAGER, or less, page by page; only on a terminal.
+/// While it lives, what goes to standard output is shown by $PAGER, or less, page by page; only on a terminal, and not
+/// when $PAGER is empty or there is no less.
 class Pager {
 public:
     explicit Pager(bool wanted);
