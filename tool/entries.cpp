@@ -1,5 +1,7 @@
 #include "entries.h"
 
+#include "moments.h"
+
 #include <lgb/DescriptionCreator.h>
 #include <lgb/Entry.h>
 #include <lgb/ServiceDescriptionCreator.h>
@@ -9,6 +11,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <limits>
 #include <memory>
@@ -35,6 +38,12 @@ std::string wordsOf(const Entry& entry) {
                                                 entry.details.params);
 }
 
+/// What reads the words that stand for a value throws without one of its own.
+std::string reasonOf(const std::exception& exception) {
+    const std::string reason = exception.what();
+    return reason == std::exception().what() ? "it holds a word that is not known" : reason;
+}
+
 /// Why an entry can't be put in words.
 std::string reasonOf(const Entry& entry) {
     if (entry.details.generation == enums::Generation::Kestrel) {
@@ -44,7 +53,7 @@ std::string reasonOf(const Entry& entry) {
         wordsOf(entry);
         return "its parameters can't be read";
     } catch (const std::exception& exception) {
-        return exception.what();
+        return "a parameter can't be read: " + reasonOf(exception);
     }
 }
 
@@ -76,6 +85,10 @@ const char* nameOf(Standing standing) {
     return standingNames[static_cast<std::size_t>(standing)];
 }
 
+bool isRead(const ReadEntry& read) {
+    return read.standing != Standing::Unreadable && read.standing != Standing::Damaged;
+}
+
 std::string codeOf(const Entry& entry) {
     constexpr const char* letters = "IWE";
     return letters[static_cast<std::size_t>(entry.type)] + std::to_string(static_cast<std::uint32_t>(entry.code));
@@ -86,8 +99,9 @@ ReadEntry readEntry(const StoredRecord& record, bool service) {
     read.number = record.number;
     read.document = record.content.json;
     read.entry.timestamp = record.content.timestamp;
-    read.clockSetBack = std::max<std::int64_t>(
-        0, record.secondsBefore.value_or(record.content.timestamp.seconds) - record.content.timestamp.seconds);
+    read.clockSetBack =
+        secondsBetween(record.content.timestamp.seconds,
+                       std::max(record.secondsBefore.value_or(INT64_MIN), record.content.timestamp.seconds));
     if (!record.intact) {
         read.standing = Standing::Damaged;
         return read;
@@ -97,7 +111,7 @@ ReadEntry readEntry(const StoredRecord& record, bool service) {
             LogbookEntryConverter::fromJsonToVal(tqbase2::system::JsonUtility::toJsonValue(read.document));
     } catch (const std::exception& exception) {
         read.standing = Standing::Unreadable;
-        read.reason = exception.what();
+        read.reason = reasonOf(exception);
         return read;
     }
     putInWords(read, service);

@@ -24,13 +24,16 @@ const char* nameOf(Standing standing);
 /// A record with all that is known of it.
 struct ReadEntry {
     std::int64_t number = 0;
-    tqbase2::nsa::zel::logbook::Entry entry;  ///< as far as it could be read
+    tqbase2::nsa::zel::logbook::Entry entry;  ///< all but its time only if it is read
     Standing standing = Standing::Shown;
     std::string reason;             ///< why it is wordless or unreadable
     std::string document;           ///< what is stored
     bool hasMessage = true;         ///< false: "unknown entry"
     std::int64_t clockSetBack = 0;  ///< seconds by which it is older than the record added before it
 };
+
+/// Whether it is known what the entry says, be it shown or not.
+bool isRead(const ReadEntry& read);
 
 /// "E14", the short name of a message.
 std::string codeOf(const tqbase2::nsa::zel::logbook::Entry& entry);

@@ -7,8 +7,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <limits>
 #include <stdexcept>
+#include <string_view>
+#include <system_error>
 
 namespace tool {
 
@@ -48,14 +51,29 @@ bool isOneOf(const std::vector<lgb::code::Code>& codes, const ReadEntry& read) {
            });
 }
 
+/// In decimal digits alone.
+bool readNumber(std::string_view digits, std::uint32_t& number) {
+    const char* const end = digits.data() + digits.size();
+    const auto [last, error] = std::from_chars(digits.data(), end, number);
+    return error == std::errc() && last == end;
+}
+
 }  // namespace
 
 bool Filter::matches(const ReadEntry& read) const {
     const std::int64_t seconds = read.entry.timestamp.seconds;
+    return seconds >= since.value_or(seconds) && seconds <= until.value_or(seconds) &&
+           (isRead(read) ? matchesContent(read) : !asksForContent());
+}
+
+bool Filter::asksForContent() const {
+    return !types.empty() || !codes.empty() || unit || device || pattern != nullptr;
+}
+
+bool Filter::matchesContent(const ReadEntry& read) const {
     return holds(types, read.entry.type) && isOneOf(codes, read) &&
            unit.value_or(read.entry.details.unit) == read.entry.details.unit &&
            device.value_or(read.entry.details.device) == read.entry.details.device &&
-           seconds >= since.value_or(seconds) && seconds <= until.value_or(seconds) &&
            (pattern == nullptr || re2::RE2::PartialMatch(read.entry.description, *pattern));
 }
 
@@ -64,7 +82,7 @@ lgb::code::Code codeNamed(const std::string& argument, const std::string& name) 
     const auto type = name.empty() ? std::string_view::npos
                                    : letters.find(static_cast<char>(std::toupper(static_cast<unsigned char>(name[0]))));
     std::uint32_t id = 0;
-    if (type == std::string_view::npos || !CLI::detail::lexical_cast(name.substr(1), id)) {
+    if (type == std::string_view::npos || !readNumber(std::string_view(name).substr(1), id)) {
         throw CLI::ValidationError(argument, '"' + name + "\" is no code; expected E, W or I and a number, like E14");
     }
     return {id, static_cast<LogbookEntryType>(type)};

@@ -28,7 +28,12 @@ struct Filter {
     std::optional<std::int64_t> until;
     std::shared_ptr<const re2::RE2> pattern;  ///< somewhere in the description
 
+    /// An entry that can't be read has nothing but a time to match.
     bool matches(const ReadEntry& read) const;
+
+private:
+    bool asksForContent() const;
+    bool matchesContent(const ReadEntry& read) const;
 };
 
 /// Declares an option for each condition.

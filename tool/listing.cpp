@@ -35,8 +35,10 @@ const TypeLook typeLooks[] = {
     {"Error", fmt::emphasis::bold | fmt::fg(fmt::terminal_color::red)},
 };
 
-const TypeLook& lookOf(const Entry& entry) {
-    return typeLooks[static_cast<std::size_t>(entry.type)];
+const TypeLook unknownType{"?", fmt::text_style()};
+
+const TypeLook& lookOf(const ReadEntry& read) {
+    return isRead(read) ? typeLooks[static_cast<std::size_t>(read.entry.type)] : unknownType;
 }
 
 /// The words of an entry, or why there are none.
@@ -49,13 +51,16 @@ std::string wordsOf(const ReadEntry& read) {
         words += ": " + read.reason;
     }
     words += ')';
+    if (read.standing == Standing::Wordless) {
+        return read.entry.description + words;  // behind the unit and the device
+    }
     return read.entry.description.empty() ? words : words + ' ' + read.entry.description;
 }
 
 /// What the words of an entry leave out.
 std::string notesOf(const ReadEntry& read, bool raw) {
     std::string notes;
-    if (read.standing == Standing::Unreadable || read.standing == Standing::Damaged) {
+    if (!isRead(read)) {
         notes += " [" + read.document + ']';
     } else if (raw || !read.hasMessage) {
         const std::string& params = read.entry.details.params;
@@ -67,6 +72,10 @@ std::string notesOf(const ReadEntry& read, bool raw) {
     return notes;
 }
 
+std::string padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - widthOf(text), ' ');
+}
+
 /// Columns as wide as their widest text; the last one wraps within the terminal.
 class Table : public Listing {
 public:
@@ -76,8 +85,8 @@ public:
         const Entry& entry = read.entry;
         rows.push_back(
             {{std::to_string(read.number), look.utc ? utc(entry.timestamp.seconds) : printable(entry.timestamp.text),
-              lookOf(entry).name, printable(wordsOf(read) + notesOf(read, look.raw))},
-             lookOf(entry).style});
+              lookOf(read).name, printable(wordsOf(read) + notesOf(read, look.raw))},
+             lookOf(read).style});
     }
 
     void flush() override {
@@ -106,8 +115,8 @@ private:
     };
 
     void write(const Row& row) const {
-        const std::string type = fmt::format("{:<{}}", row.cells[2], widths[2]);
-        std::cout << fmt::format("{:>{}}  {:<{}}  {}  ", row.cells[0], widths[0], row.cells[1], widths[1],
+        const std::string type = padded(row.cells[2], widths[2]);
+        std::cout << fmt::format("{:>{}}  {}  {}  ", row.cells[0], widths[0], padded(row.cells[1], widths[1]),
                                  look.coloured ? fmt::format(row.style, "{}", type) : type);
         const std::size_t indent = widths[0] + widths[1] + widths[2] + 6;
         const std::size_t leastWords = 20;
@@ -151,11 +160,11 @@ Json::Value jsonOf(const ReadEntry& read) {
     if (read.clockSetBack > 0) {
         json["clockSetBack"] = Json::Int64{read.clockSetBack};
     }
-    if (read.standing == Standing::Damaged || read.standing == Standing::Unreadable) {
+    if (!isRead(read)) {
         json["document"] = validUtf8(read.document);
         return json;
     }
-    json["type"] = lookOf(entry).name;
+    json["type"] = lookOf(read).name;
     json["code"] = codeOf(entry);
     json["description"] = validUtf8(entry.description);
     json["unit"] = numberOrNull(entry.details.unit);
@@ -204,13 +213,13 @@ public:
 
     void add(const ReadEntry& read) override {
         const Entry& entry = read.entry;
-        const bool readable = read.standing != Standing::Damaged && read.standing != Standing::Unreadable;
+        const bool readable = isRead(read);
         const auto number = [&](std::int64_t value) { return readable && value >= 0 ? std::to_string(value) : ""; };
         const std::string fields[] = {
             std::to_string(read.number),
             iso8601(entry.timestamp.seconds, entry.timestamp.nanoseconds),
             nameOf(read.standing),
-            readable ? lookOf(entry).name : "",
+            readable ? lookOf(read).name : "",
             readable ? codeOf(entry) : "",
             number(entry.details.unit),
             number(entry.details.device),

@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -49,11 +50,12 @@ unsigned int mostOf(const Request& request) {
 using LeftOut = std::map<Standing, int>;
 
 bool isWanted(const ReadEntry& read, const Request& request, LeftOut& leftOut) {
-    if (read.standing != Standing::Shown && !request.look.raw) {
+    const bool matches = request.filter.matches(read);
+    if (matches && read.standing != Standing::Shown && !request.look.raw) {
         ++leftOut[read.standing];
         return false;
     }
-    return request.filter.matches(read);
+    return matches;
 }
 
 /// Nothing is hidden without a word.
@@ -65,7 +67,8 @@ void tell(const LeftOut& leftOut) {
 }
 
 /// Shows a page: counted from the newest entry, also when the oldest one of it comes first.
-void showPage(standalone::LogbookReader& reader, const Selection& selection, const Request& request, Listing& listing) {
+LeftOut showPage(standalone::LogbookReader& reader, const Selection& selection, const Request& request,
+                 Listing& listing) {
     const unsigned int most = mostOf(request);
     const bool turnsRound = request.order.oldestFirst && (most != noLimit || request.offset > 0);
     const Order order{request.order.oldestFirst && !turnsRound, request.order.after};
@@ -90,7 +93,7 @@ void showPage(standalone::LogbookReader& reader, const Selection& selection, con
         listing.add(read);
     }
     listing.end();
-    tell(leftOut);
+    return leftOut;
 }
 
 /// Shows the newest entries, then each that comes, until interrupted.
@@ -115,22 +118,31 @@ void showPage(standalone::LogbookReader& reader, const Selection& selection, con
             listing.add(read);
         }
         listing.flush();
+        if (!std::cout) {
+            throw std::runtime_error("can't write to standard output");
+        }
         tell(leftOut);
         most = noLimit;
         std::this_thread::sleep_for(followInterval);
     }
 }
 
+LeftOut showInPager(standalone::LogbookReader& reader, const Selection& selection, const Request& request) {
+    const Pager pager(request.format == "table" && !request.noPager);
+    return showPage(reader, selection, request, *createListing(request.format, request.look));
+}
+
 void show(const Selection& selection, Request request) {
+    if (request.follow && request.format == "json") {
+        throw CLI::ValidationError("--follow", "what goes on has no end, as json needs one; jsonl does not");
+    }
     standalone::LogbookReader reader(fileOf(selection));
     request.look.coloured = isColoured(request.colour);
     request.look.width = terminalWidth();
-    const Pager pager(request.format == "table" && !request.follow && !request.noPager);
-    const auto listing = createListing(request.format, request.look);
     if (request.follow) {
-        follow(selection, request, *listing);
+        follow(selection, request, *createListing(request.format, request.look));
     }
-    showPage(reader, selection, request, *listing);
+    tell(showInPager(reader, selection, request));  // not into the page that the pager shows
 }
 
 }  // namespace
