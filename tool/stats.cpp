@@ -44,7 +44,7 @@ std::string numberOf(std::int64_t number) {
 void count(const ReadEntry& read, Statistics& statistics) {
     statistics.seconds.push_back(read.entry.timestamp.seconds);
     ++statistics.standings[nameOf(read.standing)];
-    if (read.standing == Standing::Unreadable || read.standing == Standing::Damaged) {
+    if (!isRead(read)) {
         return;
     }
     ++statistics.types[typeNames[static_cast<std::size_t>(read.entry.type)]];
@@ -82,20 +82,22 @@ void print(const char* title, const Counts& counts, const std::map<std::string, 
 void printChart(const std::vector<std::int64_t>& seconds) {
     constexpr std::int64_t mostParts = 12;
     constexpr std::int64_t columns = 40;
+    constexpr std::int64_t minute = 60;
     const auto [first, last] = std::minmax_element(seconds.begin(), seconds.end());
-    const std::int64_t length = (*last - *first) / mostParts + 1;
-    const std::int64_t parts = (*last - *first) / length + 1;
+    const std::int64_t length = secondsBetween(*first, *last) / mostParts + 1;
+    const std::int64_t parts = secondsBetween(*first, *last) / length + 1;
     std::vector<std::int64_t> counts(static_cast<std::size_t>(parts));
     for (const std::int64_t each : seconds) {
-        ++counts[static_cast<std::size_t>((each - *first) / length)];
+        ++counts[static_cast<std::size_t>(secondsBetween(*first, each) / length)];
     }
     const std::int64_t most = *std::max_element(counts.begin(), counts.end());
     std::cout << "\nOver time, " << duration(length) << " a line\n";
     for (std::int64_t part = 0; part < parts; ++part) {
         const std::int64_t number = counts[static_cast<std::size_t>(part)];
         const auto bar = static_cast<std::size_t>((number * columns + most - 1) / most);
-        std::cout << fmt::format("  {}  {:<{}}  {}\n", localMinute(*first + part * length), std::string(bar, '#'),
-                                 columns, number);
+        const std::int64_t begin = *first + part * length;
+        std::cout << fmt::format("  {}  {:<{}}  {}\n", length < minute ? localSecond(begin) : localMinute(begin),
+                                 std::string(bar, '#'), columns, number);
     }
 }
 
