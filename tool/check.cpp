@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "entries.h"
 #include "logbooks.h"
+#include "terminal.h"
 
 #include <standalone/errors.h>
 
@@ -17,7 +18,7 @@ namespace {
 
 /// What a logbook does not show, one line each, with the reason.
 std::string describe(const ReadEntry& read) {
-    const std::string reason = read.reason.empty() ? "" : ": " + read.reason;
+    const std::string reason = read.reason.empty() ? "" : ": " + printable(read.reason);
     return "  entry " + std::to_string(read.number) + ' ' + nameOf(read.standing) + reason + '\n';
 }
 
@@ -47,7 +48,7 @@ bool isSound(const Selection& selection) {
     try {
         const auto damage = standalone::structuralDamage(fileOf(selection));
         for (const std::string& line : damage) {
-            std::cout << (&line == damage.data() ? "damaged\n  " : "  ") << line << '\n';
+            std::cout << (&line == damage.data() ? "damaged\n  " : "  ") << printable(line) << '\n';
         }
         return damage.empty() && entriesAreReadable(selection);
     } catch (const standalone::DatabaseError& error) {

@@ -1,0 +1,64 @@
+#include "ToolFixture.h"
+
+namespace {
+
+using support::Outcome;
+
+class Check : public ToolFixture {
+protected:
+    /// What is printed about files that are not as they should be.
+    std::string complaint(const std::string& arguments) const {
+        const Outcome outcome = tool("check " + arguments);
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_EQ(outcome.errors, "tqzel-logbook: not everything is as it should be\n");
+        return outcome.output;
+    }
+
+    const std::string customer = customerFile().string();
+    const std::string service = (folder / "lgbService.db").string();
+};
+
+TEST_F(Check, FindsBothLogbooksSound) {
+    storeEvening();
+    store("lgbService", std::vector<std::string>{freeText("Fan 2 replaced")});
+    EXPECT_EQ(output("check"),
+              customer + ": sound, 3 of 3 entries readable\n" + service + ": sound, 1 of 1 entry readable\n");
+}
+
+TEST_F(Check, LooksAtOneLogbookAlone) {
+    storeEvening();
+    EXPECT_EQ(output("check customer"), customer + ": sound, 3 of 3 entries readable\n");
+    EXPECT_EQ(complaint(""),
+              customer + ": sound, 3 of 3 entries readable\n" + service + ": there is no such logbook\n");
+}
+
+TEST_F(Check, NamesEachEntryThatIsNotShown) {
+    store("lgbCustomer", std::vector<std::string>{document("E", 14, R"({"bus":1,"module":3})"), freeText("x"),
+                                                  document("W", 63, R"({"bus":"x"})"), "{\"type\":\"\x1b[31m\"}",
+                                                  document("I", 20, ""), "{\x1b"});
+    change("UPDATE record SET seconds = 7 WHERE number = 5");
+    EXPECT_EQ(complaint("customer"),
+              customer +
+                  ": sound, 1 of 6 entries readable\n"
+                  "  entry 2 service only\n"
+                  "  entry 3 wordless: a parameter can't be read: Value is not convertible to UInt64.\n"
+                  "  entry 4 unreadable: it holds a word that is not known\n"
+                  "  entry 5 damaged\n"
+                  "  entry 6 unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
+}
+
+TEST_F(Check, NamesWhatIsDamagedInTheStructure) {
+    storeEvening();
+    change("PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
+    EXPECT_THAT(complaint("customer"), testing::AllOf(testing::StartsWith(customer + ": damaged\n  "),
+                                                      testing::HasSubstr("2nd reference to page 2")));
+}
+
+TEST_F(Check, NamesAForeignFile) {
+    support::write(customerFile(), "Dear diary");
+    EXPECT_EQ(complaint("customer"), customer + ": file is not a database\n");
+    support::write(customerFile(), "");
+    EXPECT_EQ(complaint("customer"), customer + ": an empty database, not a logbook\n");
+}
+
+}  // namespace
