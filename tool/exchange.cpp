@@ -13,15 +13,18 @@
 #include <json/value.h>
 #include <boost/algorithm/hex.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -96,13 +99,13 @@ std::string lineOf(const DatabaseRecord& record) {
 }
 
 /// Writes every record of a logbook, oldest first.
-void exportTo(std::ostream& stream, const Selection& selection) {
-    standalone::LogbookReader reader(fileOf(selection));
+/// @return how many had to be left out, being damaged
+std::int64_t exportTo(std::ostream& stream, standalone::LogbookReader& reader) {
     Progress progress(reader.count());
     constexpr unsigned int recordsAtOnce = 256;
     std::int64_t damaged = 0;
     std::vector<StoredRecord> records = reader.after(0, recordsAtOnce);
-    while (!records.empty()) {
+    while (!records.empty() && stream) {
         for (const StoredRecord& record : records) {
             if (record.intact) {
                 stream << lineOf(record.content) << '\n';
@@ -113,11 +116,8 @@ void exportTo(std::ostream& stream, const Selection& selection) {
         progress.advance(static_cast<std::int64_t>(records.size()));
         records = reader.after(records.back().number, recordsAtOnce);
     }
-    if (damaged > 0) {
-        throw std::runtime_error(fmt::format("{}: {} damaged {} left out; all others were exported",
-                                             fileOf(selection).string(), damaged,
-                                             damaged == 1 ? "entry was" : "entries were"));
-    }
+    stream.flush();
+    return damaged;
 }
 
 std::int64_t integerOf(const Json::Value& line, const char* key, std::int64_t least, std::int64_t most) {
@@ -189,16 +189,32 @@ void importFrom(std::istream& stream, const Selection& selection) {
     std::cout << ".\n";
 }
 
+/// Whether a file is the logbook itself, or one of those that SQLite keeps beside it.
+bool belongsTo(const Selection& selection, const std::string& file) {
+    const char* const ends[] = {"", "-wal", "-shm"};
+    return std::any_of(std::begin(ends), std::end(ends), [&](const char* end) {
+        std::error_code none;
+        return std::filesystem::equivalent(fileOf(selection).string() + end, file, none);
+    });
+}
+
 void exportFile(const Selection& selection, const std::string& file) {
-    if (file.empty()) {
-        exportTo(std::cout, selection);
-        return;
+    standalone::LogbookReader reader(fileOf(selection));
+    if (belongsTo(selection, file)) {
+        throw CLI::ValidationError("--output", file + " is the logbook itself");
     }
-    std::ofstream stream(file, std::ios::binary);
-    exportTo(stream, selection);
-    stream.flush();
+    std::ofstream stream;
+    if (!file.empty()) {
+        stream.open(file, std::ios::binary);
+    }
+    const std::int64_t damaged = exportTo(file.empty() ? std::cout : stream, reader);
     if (!stream) {
         throw std::runtime_error(file + ": can't be written");
+    }
+    if (damaged > 0 && std::cout) {
+        throw std::runtime_error(fmt::format("{}: {} damaged {} left out; all others were exported",
+                                             fileOf(selection).string(), damaged,
+                                             damaged == 1 ? "entry was" : "entries were"));
     }
 }
 
