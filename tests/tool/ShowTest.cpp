@@ -3,8 +3,9 @@
 #include <json/reader.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <chrono>
-#include <functional>
+#include <ctime>
 #include <memory>
 #include <thread>
 
@@ -94,7 +95,17 @@ TEST_F(Show, WantsTheTimeToLieBetween) {
     EXPECT_EQ(numbers("--since '2026-11-21 19:01'", "TZ=UTC"), "");
     EXPECT_EQ(numbers("--since 2026-11-21T18:01Z --until 2026-11-21T19:01:00+01:00", "TZ=America/New_York"), "2");
     EXPECT_EQ(numbers("--until '2026-11-21 19:01:59 +0100'", "TZ=Asia/Tokyo"), "2 1");
-    EXPECT_EQ(numbers("--since '1 second ago'", "TZ=UTC"), numbers("--since now", "TZ=UTC"));
+}
+
+TEST_F(Show, CountsTimeFromNow) {
+    const std::int64_t now = std::time(nullptr);
+    constexpr std::int64_t hour = 3600;
+    store("lgbCustomer", std::vector<lgb::DatabaseRecord>{{{now - 3 * hour, 0, ""}, document("I", 20, "")},
+                                                          {{now - hour, 0, ""}, document("I", 20, "")},
+                                                          {{now + hour, 0, ""}, document("I", 20, "")}});
+    EXPECT_EQ(numbers("--since '2 hours ago'"), "3 2");
+    EXPECT_EQ(numbers("--until '2 hours ago'"), "1");
+    EXPECT_EQ(numbers("--until now"), "2 1");
 }
 
 TEST_F(Show, RefusesWhatIsNoTimeNoCodeAndNoPattern) {
