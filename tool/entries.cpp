@@ -5,6 +5,7 @@
 #include <lgb/DescriptionCreator.h>
 #include <lgb/Entry.h>
 #include <lgb/ServiceDescriptionCreator.h>
+#include <lgb/catalogue.h>
 #include <nsa/zel/converter/zel/structs/LogbookEntryConverter.h>
 #include <tqbase2/system/Exception.h>
 #include <tqbase2/system/JsonUtility.h>
@@ -92,6 +93,14 @@ bool isRead(const ReadEntry& read) {
 std::string codeOf(const Entry& entry) {
     constexpr const char* letters = "IWE";
     return letters[static_cast<std::size_t>(entry.type)] + std::to_string(static_cast<std::uint32_t>(entry.code));
+}
+
+std::map<std::string, std::string> wordings() {
+    std::map<std::string, std::string> words;
+    for (const lgb::catalogue::Message& message : lgb::catalogue::messages()) {
+        words["IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id)] = message.words;
+    }
+    return words;
 }
 
 ReadEntry readEntry(const StoredRecord& record, bool service) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 
 namespace tool {
@@ -37,6 +38,9 @@ bool isRead(const ReadEntry& read);
 
 /// "E14", the short name of a message.
 std::string codeOf(const tqbase2::nsa::zel::logbook::Entry& entry);
+
+/// The wording of each message by its short name.
+std::map<std::string, std::string> wordings();
 
 /// Reads a record as its logbook does.
 /// @param service whether it is of the service logbook

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "logbooks.h"
+#include "output.h"
 #include "terminal.h"
 
 #include <standalone/LogbookReader.h>
@@ -17,14 +18,12 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -189,28 +188,10 @@ void importFrom(std::istream& stream, const Selection& selection) {
     std::cout << ".\n";
 }
 
-/// Whether a file is the logbook itself, or one of those that SQLite keeps beside it.
-bool belongsTo(const Selection& selection, const std::string& file) {
-    const char* const ends[] = {"", "-wal", "-shm"};
-    return std::any_of(std::begin(ends), std::end(ends), [&](const char* end) {
-        std::error_code none;
-        return std::filesystem::equivalent(fileOf(selection).string() + end, file, none);
-    });
-}
-
 void exportFile(const Selection& selection, const std::string& file) {
     standalone::LogbookReader reader(fileOf(selection));
-    if (belongsTo(selection, file)) {
-        throw CLI::ValidationError("--output", file + " is the logbook itself");
-    }
-    std::ofstream stream;
-    if (!file.empty()) {
-        stream.open(file, std::ios::binary);
-    }
-    const std::int64_t damaged = exportTo(file.empty() ? std::cout : stream, reader);
-    if (!stream) {
-        throw std::runtime_error(file + ": can't be written");
-    }
+    std::int64_t damaged = 0;
+    writeOutput(selection, file, [&](std::ostream& stream) { damaged = exportTo(stream, reader); });
     if (damaged > 0 && std::cout) {
         throw std::runtime_error(fmt::format("{}: {} damaged {} left out; all others were exported",
                                              fileOf(selection).string(), damaged,

@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "counts.h"
 #include "entries.h"
 #include "filter.h"
 #include "logbooks.h"
@@ -7,7 +8,6 @@
 #include "validators.h"
 
 #include <lgb/Entry.h>
-#include <lgb/catalogue.h>
 
 #include <fmt/format.h>
 
@@ -16,22 +16,21 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace tool {
 
 namespace {
 
-using Counts = std::map<std::string, std::int64_t>;
+using Names = Counts<std::string>;
 
 /// What a logbook holds, counted.
 struct Statistics {
-    Counts types;
-    Counts messages;
-    Counts units;
-    Counts devices;
-    Counts standings;
+    Names types;
+    Names messages;
+    Names units;
+    Names devices;
+    Names standings;
     std::vector<std::int64_t> seconds;
 
     std::int64_t all() const { return static_cast<std::int64_t>(seconds.size()); }
@@ -53,24 +52,7 @@ void count(const ReadEntry& read, Statistics& statistics) {
     ++statistics.devices[numberOf(read.entry.details.device)];
 }
 
-/// Most frequent first.
-std::vector<std::pair<std::string, std::int64_t>> ranked(const Counts& counts) {
-    std::vector<std::pair<std::string, std::int64_t>> rows(counts.begin(), counts.end());
-    std::stable_sort(rows.begin(), rows.end(),
-                     [](const auto& left, const auto& right) { return left.second > right.second; });
-    return rows;
-}
-
-/// The wording of each message by its short name.
-std::map<std::string, std::string> wordings() {
-    std::map<std::string, std::string> words;
-    for (const lgb::catalogue::Message& message : lgb::catalogue::messages()) {
-        words["IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id)] = message.words;
-    }
-    return words;
-}
-
-void print(const char* title, const Counts& counts, const std::map<std::string, std::string>& words = {}) {
+void print(const char* title, const Names& counts, const std::map<std::string, std::string>& words = {}) {
     std::cout << '\n' << title << '\n';
     for (const auto& [name, number] : ranked(counts)) {
         const auto wording = words.find(name);

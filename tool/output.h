@@ -1,0 +1,16 @@
+#pragma once
+
+#include "logbooks.h"
+
+#include <functional>
+#include <ostream>
+#include <string>
+
+namespace tool {
+
+/// Lets a file be written anew, or standard output when its name is empty.
+/// @throws CLI::ValidationError for a file of the logbooks themselves
+/// @throws std::runtime_error naming the file when it can't be written
+void writeOutput(const Selection& selection, const std::string& file, const std::function<void(std::ostream&)>& write);
+
+}  // namespace tool
