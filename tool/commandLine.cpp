@@ -32,6 +32,7 @@ void parse(int argc, const char* const* argv) {
         ->check(CLI::Validator([](const std::string& name) { return name.empty() ? "is empty" : ""; }, ""));
     declareShow(app, selection);
     declareStats(app, selection);
+    declareReport(app, selection);
     declareCheck(app, selection);
     declareAdd(app, selection);
     declareClear(app, selection);

@@ -15,6 +15,7 @@ void declareExplain(CLI::App& app);
 void declareExport(CLI::App& app, Selection& selection);
 void declareImport(CLI::App& app, Selection& selection);
 void declareMessages(CLI::App& app);
+void declareReport(CLI::App& app, Selection& selection);
 void declareShow(CLI::App& app, Selection& selection);
 void declareStats(CLI::App& app, Selection& selection);
 
