@@ -135,9 +135,9 @@ TEST_F(Exchange, SpoilsNeitherTheLogbookNorAnOlderExport) {
     const std::string file = customerFile();
     const auto before = files();
     EXPECT_EQ(wrongUse("export customer --output " + file),
-              "tqzel-logbook: --output: " + file + " is the logbook itself\n");
+              "tqzel-logbook: --output: " + file + " is the customer logbook itself\n");
     EXPECT_EQ(wrongUse("export customer --output " + file + "-wal"),
-              "tqzel-logbook: --output: " + file + "-wal is the logbook itself\n");
+              "tqzel-logbook: --output: " + file + "-wal is the customer logbook itself\n");
     EXPECT_TRUE(files() == before);
 
     support::write(elsewhere / "lines", line);
