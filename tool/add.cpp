@@ -1,19 +1,18 @@
 #include "commands.h"
 #include "parameters.h"
+#include "refusals.h"
 #include "validators.h"
 
-#include <lgb/DescriptionCreator.h>
 #include <lgb/Entry.h>
 #include <lgb/LogbookEntryCreator.h>
 #include <nsa/zel/converter/zel/enums/GenerationConverter.h>
+#include <tqbase2/system/JsonUtility.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
 namespace tool {
 
@@ -21,7 +20,6 @@ namespace enums = tqbase2::nsa::zel::enums;
 using enums::Generation;
 using enums::LogbookEntryType;
 using tqbase2::nsa::zel::logbook::Entry;
-using tqbase2::nsa::zel::structs::LogbookEntry;
 
 namespace {
 
@@ -33,37 +31,21 @@ struct Event {
     std::int64_t unit = -1;
     std::int64_t device = -1;
     std::string generation = "Heron";
-    std::string text;
+    std::optional<std::string> text;
 };
 
-/// Refuses an entry that would never be shown, or only as "unknown entry": once stored, it stays.
-void requireWords(const Event& event, const LogbookEntry& entry) {
-    const std::string message = event.type + ' ' + std::to_string(event.id);
-    std::string words;
-    try {
-        words = lgb::DescriptionCreator().createText({event.id, entry.type}, entry.details.params);
-    } catch (const std::exception&) {
-        throw CLI::ValidationError("parameters", entry.details.params + " is not what " + message + " needs");
-    }
-    if (words == "unknown entry") {
-        throw CLI::ValidationError("id", "there is no message " + message);
-    }
-}
-
-/// Refuses an entry of the first generation whose parameters do not hold its message.
-void requireMessage(LogbookEntry entry) {
-    if (!lgb::DescriptionCreator().create(entry)) {
-        throw CLI::ValidationError("--params", R"(an entry of generation Kestrel needs "typeProduct" and "text")");
-    }
+std::string recordText(const Parameters& parameters) {
+    const Json::Value record = recordOf(parameters);
+    return record.empty() ? "" : tqbase2::system::JsonUtility::toJsonString(record);
 }
 
 Entry codedEntry(const Event& event) {
     lgb::Entry entry(lgb::code::Code(event.id, typeNamed(event.type)), recordText(event.parameters));
     entry.details.generation = enums::GenerationConverter::fromJsonToVal(event.generation);
     if (entry.details.generation == Generation::Kestrel) {
-        requireMessage(entry);
+        requireFirstGeneration(event.parameters);
     } else {
-        requireWords(event, entry);
+        requireMessage({event.id, entry.type}, event.parameters);
     }
     return lgb::LogbookEntryCreator::create(entry);
 }
@@ -72,17 +54,21 @@ Entry freeText(const Selection& selection, const Event& event) {
     if (selection.logbook != "service") {
         throw CLI::ValidationError("--text", "only the service logbook shows a free text");
     }
+    if (event.text->empty()) {
+        throw CLI::ValidationError("--text", "is empty, expected some words");
+    }
     if (!recordText(event.parameters).empty()) {
         throw CLI::ValidationError("--text", "a free text has no parameters");
     }
-    return lgb::LogbookEntryCreator::createServiceOnly(event.text, lgb::code::ServiceCode(typeNamed(event.type)));
+    return lgb::LogbookEntryCreator::createServiceOnly(*event.text, lgb::code::ServiceCode(typeNamed(event.type)));
 }
 
 void add(const Selection& selection, const Event& event) {
-    if (event.text.empty() == (event.id == 0)) {
-        throw CLI::RequiredError("Either an id or --text");
+    if (!event.text && event.id == 0) {
+        throw CLI::RequiredError("id or --text is missing; tqzel-logbook messages lists the ids",
+                                 CLI::ExitCodes::RequiredError);
     }
-    Entry entry = event.id == 0 ? freeText(selection, event) : codedEntry(event);
+    Entry entry = event.text ? freeText(selection, event) : codedEntry(event);
     entry.details.unit = event.unit;
     entry.details.device = event.device;
     selected(*open(selection), selection).add(entry);
@@ -94,24 +80,21 @@ void declareAdd(CLI::App& app, Selection& selection) {
     CLI::App& command = *app.add_subcommand("add", "Record an event");
     const auto event = std::make_shared<Event>();
     declareLogbook(command, selection);
-    command.add_option("type", event->type, "What kind of event")
-        ->required()
-        ->type_name("error|warning|info")
-        ->check(oneOf(typeNames));
-    command.add_option("id", event->id, "Which message")
-        ->type_name("NUMBER")
-        ->check(between<std::uint32_t>(1, std::numeric_limits<std::uint32_t>::max()));
+    takeOneOf(command.add_option("type", event->type, "What kind of event")->required(), typeNames);
+    CLI::Option* const id =
+        takeNumber(command.add_option("id", event->id, "Which message; `tqzel-logbook messages` lists them"), 1,
+                   std::numeric_limits<std::uint32_t>::max());
     // As far as numbers are shown; reading a longer one would silently end at the largest.
-    const auto isNumber = between<std::int64_t>(0, std::numeric_limits<std::int32_t>::max());
-    command.add_option("--unit", event->unit, "Unit concerned")->type_name("NUMBER")->check(isNumber);
-    command.add_option("--device", event->device, "Device concerned")->type_name("NUMBER")->check(isNumber);
+    constexpr auto highest = std::numeric_limits<std::int32_t>::max();
+    takeNumber(command.add_option("--unit", event->unit, "Unit concerned"), highest);
+    takeNumber(command.add_option("--device", event->device, "Device concerned"), highest);
     CLI::Option* const generation =
-        command.add_option("--generation", event->generation, "Product generation, Heron unless given")
-            ->type_name("Kestrel|Heron|Unknown")
-            ->check(oneOf(enums::generationSpellings));
+        takeOneOf(command.add_option("--generation", event->generation, "Product generation, Heron unless given"),
+                  {enums::generationSpellings.begin(), enums::generationSpellings.end()});
     command.add_option("--text", event->text, "Instead of an id: a free text for the service logbook")
         ->type_name("TEXT")
-        ->excludes(generation);
+        ->excludes(generation)
+        ->excludes(id);
     declareParameters(command, event->parameters);
     command.callback([&selection, event] { add(selection, *event); });
 }

@@ -1,7 +1,10 @@
 #include "commandLine.h"
 
 #include "commands.h"
+#include "help.h"
 #include "logbooks.h"
+#include "terminal.h"
+#include "wrongUse.h"
 
 #include <cstdlib>
 #include <exception>
@@ -16,15 +19,14 @@ namespace {
 constexpr int failure = 1;
 constexpr int wrongUse = 2;
 
-int complain(const std::exception& exception, int exitCode) {
-    std::cerr << "tqzel-logbook: " << exception.what() << '\n';
+int complain(const std::string& reason, int exitCode) {
+    std::cerr << "tqzel-logbook: " << printable(reason) << '\n';
     return exitCode;
 }
 
-void parse(int argc, const char* const* argv) {
-    CLI::App app("Records and shows the logbooks of a device.", "tqzel-logbook");
-    Selection selection;
-    app.set_version_flag("--version", TQZEL_VERSION);
+void declare(CLI::App& app, Selection& selection) {
+    setHelp(app);
+    app.set_version_flag("--version", TQZEL_VERSION, "Show the version");
     app.require_subcommand(1);
     app.fallthrough();
     app.add_option("--folder", selection.folder, "Folder of the logbooks; else $TQZEL_LOGBOOK_DIR, or under $HOME")
@@ -40,6 +42,9 @@ void parse(int argc, const char* const* argv) {
     declareImport(app, selection);
     declareMessages(app);
     declareExplain(app);
+}
+
+void parse(CLI::App& app, int argc, const char* const* argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& helpOrVersion) {
@@ -56,13 +61,16 @@ void parse(int argc, const char* const* argv) {
 int run(int argc, const char* const* argv) {
     // What is wrong with an entry the commands tell themselves, in their own words.
     setenv("TQZEL_LOG_LEVEL", "5", 0);
+    CLI::App app("Records and shows the logbooks of a device", "tqzel-logbook");
+    Selection selection;
+    declare(app, selection);
     try {
-        parse(argc, argv);
+        parse(app, argc, argv);
         return 0;
     } catch (const CLI::ParseError& error) {
-        return complain(error, wrongUse);
+        return complain(explainWrongUse(app, error), wrongUse);
     } catch (const std::exception& exception) {
-        return complain(exception, failure);
+        return complain(exception.what(), failure);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "filter.h"
 
+#include "decimal.h"
 #include "moments.h"
 #include "validators.h"
 
@@ -7,11 +8,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 
 namespace tool {
 
@@ -51,13 +50,6 @@ bool isOneOf(const std::vector<lgb::code::Code>& codes, const ReadEntry& read) {
            });
 }
 
-/// In decimal digits alone.
-bool readNumber(std::string_view digits, std::uint32_t& number) {
-    const char* const end = digits.data() + digits.size();
-    const auto [last, error] = std::from_chars(digits.data(), end, number);
-    return error == std::errc() && last == end;
-}
-
 }  // namespace
 
 bool Filter::matches(const ReadEntry& read) const {
@@ -82,26 +74,25 @@ lgb::code::Code codeNamed(const std::string& argument, const std::string& name) 
     const auto type = name.empty() ? std::string_view::npos
                                    : letters.find(static_cast<char>(std::toupper(static_cast<unsigned char>(name[0]))));
     std::uint32_t id = 0;
-    if (type == std::string_view::npos || !readNumber(std::string_view(name).substr(1), id)) {
+    if (type == std::string_view::npos || !readDecimal(std::string_view(name).substr(1), id)) {
         throw CLI::ValidationError(argument, '"' + name + "\" is no code; expected E, W or I and a number, like E14");
     }
     return {id, static_cast<LogbookEntryType>(type)};
 }
 
 void declareFilter(CLI::App& command, Filter& filter) {
-    const auto isNumber = between<std::int64_t>(0, std::numeric_limits<std::int32_t>::max());
-    command
-        .add_option_function<std::vector<std::string>>(
-            "--type",
-            [&filter](const std::vector<std::string>& names) {
-                for (const std::string& name : names) {
-                    filter.types.push_back(typeNamed(name));
-                }
-            },
-            "Only of this type; may be given several times")
-        ->type_name("error|warning|info")
-        ->check(oneOf(typeNames))
+    constexpr auto highest = std::numeric_limits<std::int32_t>::max();
+    takeOneOf(command.add_option_function<std::vector<std::string>>(
+                  "--type",
+                  [&filter](const std::vector<std::string>& names) {
+                      for (const std::string& name : names) {
+                          filter.types.push_back(typeNamed(name));
+                      }
+                  },
+                  "Only of this type; may be given several times"),
+              typeNames)
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->group(group);
     command
         .add_option_function<std::vector<std::string>>(
@@ -114,12 +105,10 @@ void declareFilter(CLI::App& command, Filter& filter) {
             "Only with this code, such as E14; may be given several times")
         ->type_name("CODE")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->group(group);
-    command.add_option("--unit", filter.unit, "Only of this unit")->type_name("NUMBER")->check(isNumber)->group(group);
-    command.add_option("--device", filter.device, "Only of this device")
-        ->type_name("NUMBER")
-        ->check(isNumber)
-        ->group(group);
+    takeNumber(command.add_option("--unit", filter.unit, "Only of this unit"), highest)->group(group);
+    takeNumber(command.add_option("--device", filter.device, "Only of this device"), highest)->group(group);
     command
         .add_option_function<std::string>(
             "--since", [&filter](const std::string& text) { filter.since = parsedSpan("--since", text).first; },

@@ -86,10 +86,8 @@ std::uint32_t capacityOf(const Selection& selection) {
 }
 
 CLI::Option* declareLogbook(CLI::App& command, Selection& selection) {
-    return command.add_option("logbook", selection.logbook, "The logbook")
-        ->required()
-        ->type_name("customer|service")
-        ->check(oneOf(std::vector<std::string>{"customer", "service"}));
+    CLI::Option* const option = command.add_option("logbook", selection.logbook, "The logbook")->required();
+    return takeOneOf(option, {"customer", "service"});
 }
 
 std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {

@@ -1,3 +1,5 @@
+#include "messages.h"
+
 #include "commands.h"
 #include "filter.h"
 #include "terminal.h"
@@ -21,18 +23,10 @@ namespace tool {
 using lgb::catalogue::Message;
 using lgb::catalogue::Place;
 
-namespace {
-
-std::string codeOf(const Message& message) {
-    return "IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id);
-}
-
-/// The message as it is shown, its places with their names.
 std::string wordingOf(const Message& message) {
     return message.words + lgb::descriptionEnd(message.type);
 }
 
-/// The members that a message reads, each once: two places may read the same.
 std::vector<Place> membersOf(const Message& message) {
     std::vector<Place> members;
     for (const Place& place : message.places) {
@@ -42,6 +36,21 @@ std::vector<Place> membersOf(const Message& message) {
         }
     }
     return members;
+}
+
+Message messageOf(const lgb::code::Code& code, const std::string& argument, const std::string& name) {
+    for (const Message& message : lgb::catalogue::messages()) {
+        if (message.type == code.type() && message.id == code.id()) {
+            return message;
+        }
+    }
+    throw CLI::ValidationError(argument, "there is no message " + name + "; tqzel-logbook messages lists them");
+}
+
+namespace {
+
+std::string codeOf(const Message& message) {
+    return "IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id);
 }
 
 std::string membersText(const Message& message) {
@@ -108,19 +117,11 @@ void listMessages(const std::string& type, const std::string& format) {
 }
 
 void explain(const std::string& name) {
-    const lgb::code::Code code = codeNamed("code", name);
-    for (const Message& message : lgb::catalogue::messages()) {
-        if (message.type != code.type() || message.id != code.id()) {
-            continue;
-        }
-        std::cout << codeOf(message) << "  " << wordingOf(message) << '\n';
-        for (const Place& place : message.places) {
-            std::cout << fmt::format("  {{{}}} is made from parameter \"{}\": {}\n", place.name, place.key,
-                                     place.holds);
-        }
-        return;
+    const Message message = messageOf(codeNamed("code", name), "code", name);
+    std::cout << codeOf(message) << "  " << wordingOf(message) << '\n';
+    for (const Place& place : message.places) {
+        std::cout << fmt::format("  {{{}}} is made from parameter \"{}\": {}\n", place.name, place.key, place.holds);
     }
-    throw CLI::ValidationError("code", "there is no message " + name + "; `tqzel-logbook messages` lists them");
 }
 
 }  // namespace
@@ -129,10 +130,9 @@ void declareMessages(CLI::App& app) {
     CLI::App& command = *app.add_subcommand("messages", "List all messages with their parameters");
     const auto type = std::make_shared<std::string>();
     const auto format = std::make_shared<std::string>("table");
-    command.add_option("--type", *type, "Only of this type")->type_name("error|warning|info")->check(oneOf(typeNames));
-    command.add_option("--format", *format, "How to show them, table unless given")
-        ->type_name("table|markdown|json")
-        ->check(oneOf(std::vector<std::string>{"table", "markdown", "json"}));
+    takeOneOf(command.add_option("--type", *type, "Only of this type"), typeNames);
+    takeOneOf(command.add_option("--format", *format, "How to show them, table unless given"),
+              {"table", "markdown", "json"});
     command.callback([type, format] { listMessages(*type, *format); });
 }
 

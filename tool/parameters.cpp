@@ -1,6 +1,7 @@
 #include "parameters.h"
 
 #include "validators.h"
+#include "words.h"
 
 #include <nsa/zel/enums/InterlockMode.h>
 #include <nsa/zel/enums/OperatingClass.h>
@@ -9,9 +10,10 @@
 #include <tqbase2/system/Exception.h>
 #include <tqbase2/system/JsonUtility.h>
 
-#include <array>
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <limits>
-#include <string_view>
 
 namespace tool {
 
@@ -19,93 +21,95 @@ namespace enums = tqbase2::nsa::zel::enums;
 
 namespace {
 
-Json::Value text(const std::string& value) {
-    return value;
+constexpr std::int64_t highestNumber = std::numeric_limits<std::uint32_t>::max();
+constexpr std::int64_t highestGroup = std::numeric_limits<std::int32_t>::max();
+
+/// A kind of member: how an option takes it, and what --params must hold for it.
+struct Kind {
+    CLI::Option* (*take)(CLI::Option* option);
+    Json::Value (*value)(const std::string& text);
+    bool (*isHeldBy)(const Json::Value& value);
+    std::string (*expected)();
+};
+
+Json::Value textValue(const std::string& text) {
+    return text;
 }
 
-Json::Value boolean(const std::string& value) {
-    return value == "true";
+constexpr Kind text{[](CLI::Option* option) { return option->type_name("TEXT"); }, textValue,
+                    [](const Json::Value& value) { return value.isString(); }, [] { return std::string("a text"); }};
+
+constexpr Kind boolean{[](CLI::Option* option) {
+                           return takeOneOf(option, {"true", "false"});
+                       },
+                       [](const std::string& given) { return Json::Value(given == "true"); },
+                       [](const Json::Value& value) { return value.isBool(); },
+                       [] { return std::string("true or false"); }};
+
+template <std::int64_t highest>
+constexpr Kind numberUpTo{
+    [](CLI::Option* option) { return takeNumber(option, highest); },
+    [](const std::string& given) { return Json::Value(Json::Int64{std::stoll(given)}); },
+    [](const Json::Value& value) { return value.isInt64() && value.asInt64() >= 0 && value.asInt64() <= highest; },
+    [] { return "a number from 0 to " + std::to_string(highest); }};
+
+template <const auto& spellings>
+std::vector<std::string> wordsIn() {
+    return {spellings.begin(), spellings.end()};
 }
 
-Json::Value number(const std::string& value) {
-    return Json::Int64{std::stoll(value)};
-}
-
-CLI::Validator isAnything() {
-    return {};
-}
-
-CLI::Validator isBoolean() {
-    return oneOf(std::array<std::string_view, 2>{"true", "false"});
-}
-
-CLI::Validator isUnsigned() {
-    return between<unsigned int>(0, std::numeric_limits<unsigned int>::max());
-}
-
-CLI::Validator isGroup() {
-    return between(0, std::numeric_limits<int>::max());
-}
-
-CLI::Validator isOperatingClass() {
-    return oneOf(enums::operatingClassSpellings);
-}
-
-CLI::Validator isOutputMode() {
-    return oneOf(enums::outputModeSpellings);
-}
-
-CLI::Validator isInterlockMode() {
-    return oneOf(enums::interlockModeSpellings);
-}
-
-CLI::Validator isRole() {
-    return oneOf(enums::systemConfigRoleSpellings);
-}
+template <const auto& spellings>
+constexpr Kind wordOf{[](CLI::Option* option) { return takeOneOf(option, wordsIn<spellings>()); }, textValue,
+                      [](const Json::Value& value) {
+                          return value.isString() &&
+                                 std::find(spellings.begin(), spellings.end(), value.asString()) != spellings.end();
+                      },
+                      [] { return "one of " + listed(wordsIn<spellings>()); }};
 
 struct ParameterOption {
     const char* name;
     const char* key;
-    const char* type;
-    CLI::Validator (*valid)();
-    Json::Value (*value)(const std::string& text);
+    const Kind& kind;
     const char* help;
+    const char* shownType = "";  // where its words are too many to be shown
 };
 
 // clang-format off
 constexpr ParameterOption options[] = {
-    {"--bus",             "bus",            "NUMBER",                       isUnsigned,       number,  "Bus of the module"},
-    {"--module",          "module",         "NUMBER",                       isUnsigned,       number,  "Amplifier, power detector or power supply"},
-    {"--group",           "group",          "NUMBER",                       isGroup,          number,  "Group of RF paths, counting from 0"},
-    {"--nr",              "nr",             "NUMBER",                       isUnsigned,       number,  "Number of a unit or device"},
-    {"--on",              "on",             "true|false",                   isBoolean,        boolean, "Whether it was to be on"},
-    {"--ok",              "ok",             "true|false",                   isBoolean,        boolean, "Whether fan 0 is the working one"},
-    {"--watt",            "watt",           "true|false",                   isBoolean,        boolean, "Whether power is shown in watt"},
-    {"--path",            "path",           "TEXT",                         isAnything,       text,    "Name of an RF path"},
-    {"--type",            "type",           "TEXT",                         isAnything,       text,    "Product type"},
-    {"--value",           "value",          "TEXT",                         isAnything,       text,    "A value as it is shown"},
-    {"--version",         "version",        "TEXT",                         isAnything,       text,    "Firmware version"},
-    {"--operating-class", "operatingClass", "AB|step1..step8|A",            isOperatingClass, text,    "Operating class"},
-    {"--output-mode",     "outputMode",     "VSWR|increased1..9|Power",     isOutputMode,     text,    "Output mode"},
-    {"--interlock-mode",  "interlockMode",  "interactive|automatic",        isInterlockMode,  text,    "Interlock mode"},
-    {"--role",            "role",           "unit|device",                  isRole,           text,    "What is configured"},
-    {"--service",         "service",        "TEXT",                         isAnything,       text,    "Detail for the service logbook"},
+    {"--bus",             "bus",            numberUpTo<highestNumber>,             "Bus of the module"},
+    {"--module",          "module",         numberUpTo<highestNumber>,             "Amplifier, power detector or power supply"},
+    {"--group",           "group",          numberUpTo<highestGroup>,              "Group of RF paths, counting from 0"},
+    {"--nr",              "nr",             numberUpTo<highestNumber>,             "Number of a unit or device"},
+    {"--on",              "on",             boolean,                               "Whether it was to be on"},
+    {"--ok",              "ok",             boolean,                               "Whether fan 0 is the working one"},
+    {"--watt",            "watt",           boolean,                               "Whether power is shown in watt"},
+    {"--path",            "path",           text,                                  "Name of an RF path"},
+    {"--type",            "type",           text,                                  "Product type"},
+    {"--value",           "value",          text,                                  "A value as it is shown"},
+    {"--version",         "version",        text,                                  "Firmware version"},
+    {"--operating-class", "operatingClass", wordOf<enums::operatingClassSpellings>,   "Operating class", "AB|step1..step8|A"},
+    {"--output-mode",     "outputMode",     wordOf<enums::outputModeSpellings>,       "Output mode", "VSWR|increased1..increased9|Power"},
+    {"--interlock-mode",  "interlockMode",  wordOf<enums::interlockModeSpellings>,    "Interlock mode"},
+    {"--role",            "role",           wordOf<enums::systemConfigRoleSpellings>, "What is configured"},
+    {"--service",         "service",        text,                                  "Detail for the service logbook"},
 };
+
 // clang-format on
+
+const ParameterOption& optionOf(const std::string& key) {
+    return *std::find_if(std::begin(options), std::end(options),
+                         [&](const ParameterOption& option) { return option.key == key; });
+}
 
 }  // namespace
 
 void declareParameters(CLI::App& command, Parameters& parameters) {
     for (const ParameterOption& option : options) {
-        command
-            .add_option_function<std::string>(
-                option.name,
-                [&parameters, &option](const std::string& given) {
-                    parameters.members[option.key] = option.value(given);
-                },
-                option.help)
-            ->type_name(option.type)
-            ->check(option.valid())
+        const auto keep = [&parameters, &option](const std::string& given) {
+            parameters.members[option.key] = option.kind.value(given);
+        };
+        option.kind.take(command.add_option_function<std::string>(option.name, keep, option.help))
+            ->option_text(option.shownType)
             ->group("Parameters");
     }
     command.add_option("--params", parameters.json, "The whole record, a JSON object; other options add to it")
@@ -113,7 +117,7 @@ void declareParameters(CLI::App& command, Parameters& parameters) {
         ->group("Parameters");
 }
 
-std::string recordText(const Parameters& parameters) {
+Json::Value recordOf(const Parameters& parameters) {
     Json::Value record;
     try {
         record = tqbase2::system::JsonUtility::toJsonValue(parameters.json);
@@ -126,7 +130,16 @@ std::string recordText(const Parameters& parameters) {
     for (const std::string& key : parameters.members.getMemberNames()) {
         record[key] = parameters.members[key];
     }
-    return record.empty() ? "" : tqbase2::system::JsonUtility::toJsonString(record);
+    return record;
+}
+
+std::string optionFor(const std::string& key) {
+    return optionOf(key).name;
+}
+
+std::string expectedInstead(const std::string& key, const Json::Value& value) {
+    const Kind& kind = optionOf(key).kind;
+    return kind.isHeldBy(value) ? "" : kind.expected();
 }
 
 }  // namespace tool

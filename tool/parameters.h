@@ -5,6 +5,7 @@
 #include <json/value.h>
 
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -17,8 +18,14 @@ struct Parameters {
 /// Declares an option for each member that messages read, and --params for the whole record.
 void declareParameters(CLI::App& command, Parameters& parameters);
 
-/// The text of the record: the members of --params, and those of the options, which win; empty when there are none.
+/// The record: the members of --params, and those of the options, which win; null when there are none.
 /// @throws CLI::ValidationError when --params is not a JSON object
-std::string recordText(const Parameters& parameters);
+Json::Value recordOf(const Parameters& parameters);
+
+/// The option for a member of the record: "--operating-class" for "operatingClass".
+std::string optionFor(const std::string& key);
+
+/// What a member of the record must be, such as "a number from 0 to 4294967295"; empty when it is.
+std::string expectedInstead(const std::string& key, const Json::Value& value);
 
 }  // namespace tool

@@ -151,30 +151,23 @@ void declareShow(CLI::App& app, Selection& selection) {
     CLI::App& command = *app.add_subcommand("show", "Show a logbook in words, newest entry first");
     const auto request = std::make_shared<Request>();
     declareLogbook(command, selection);
-    const auto isNumber = between<unsigned int>(0, std::numeric_limits<unsigned int>::max());
-    command.add_option("--offset", request->offset, "Entries to skip, 0 unless given")
-        ->type_name("NUMBER")
-        ->check(isNumber);
-    command.add_option("--count", request->count, "Most entries to show, 20 unless given")
-        ->type_name("NUMBER")
-        ->check(isNumber);
+    takeNumber(command.add_option("--offset", request->offset, "Entries to skip, 0 unless given"), noLimit);
+    takeNumber(command.add_option("--count", request->count, "Most entries to show, 20 unless given"), noLimit);
     command.add_flag("--all", request->all, "Show every entry")->excludes("--offset")->excludes("--count");
-    command.add_option("--after", request->order.after, "Only entries with numbers above, to go on where one left off")
-        ->type_name("NUMBER")
-        ->check(between<std::int64_t>(0, std::numeric_limits<std::int64_t>::max()));
+    takeNumber(command.add_option("--after", request->order.after,
+                                  "Only entries with numbers above, to go on where one left off"),
+               std::numeric_limits<std::int64_t>::max());
     command.add_flag("--reverse", request->order.oldestFirst, "Oldest entry first");
     command.add_flag("--follow", request->follow, "Then show new entries as they come, until interrupted")
         ->excludes("--offset")
         ->excludes("--all");
     declareFilter(command, request->filter);
-    command.add_option("--format", request->format, "How to show them, table unless given")
-        ->type_name("table|json|jsonl|csv")
-        ->check(oneOf(listingFormats));
+    takeOneOf(command.add_option("--format", request->format, "How to show them, table unless given"), listingFormats);
     command.add_flag("--raw", request->look.raw, "With code and parameters; also what the logbook leaves out, and why");
     command.add_flag("--utc", request->look.utc, "Times in UTC, else as they were when the entry was made");
-    command.add_option("--color", request->colour, "Colour types, auto unless given: on a terminal without $NO_COLOR")
-        ->type_name("auto|always|never")
-        ->check(oneOf(std::vector<std::string>{"auto", "always", "never"}));
+    takeOneOf(command.add_option("--color", request->colour,
+                                 "Colour types, auto unless given: on a terminal without $NO_COLOR"),
+              {"auto", "always", "never"});
     command.add_flag("--no-pager", request->noPager, "Don't show page by page, also on a terminal");
     command.callback([&selection, request] { show(selection, *request); });
 }

@@ -5,11 +5,11 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
+#include <cstdint>
 #include <string>
-#include <system_error>
 #include <vector>
 
+/// What options and arguments may be. Their type name says it, which help, manual and completion are made from.
 namespace tool {
 
 // Index is the type.
@@ -20,28 +20,19 @@ inline tqbase2::nsa::zel::enums::LogbookEntryType typeNamed(const std::string& n
     return static_cast<tqbase2::nsa::zel::enums::LogbookEntryType>(found - typeNames.begin());
 }
 
-// What is allowed stands in the type name of each option, so the validators' own descriptions would only repeat it.
+/// One of the words, spelled exactly. The type name is the words, with bars between.
+CLI::Option* takeOneOf(CLI::Option* option, const std::vector<std::string>& words);
 
-/// One of the words, spelled exactly.
-template <typename Words>
-CLI::Validator oneOf(const Words& words) {
-    return CLI::IsMember(std::vector<std::string>(words.begin(), words.end())).description("");
-}
+/// The words of an option made by takeOneOf; empty for any other.
+std::vector<std::string> wordsOf(const CLI::Option& option);
 
-/// A decimal number, both ends included. Leading zeros and 0x are refused: they would be read as another base.
+/// A decimal number, both ends included.
+CLI::Option* takeNumber(CLI::Option* option, std::int64_t least, std::int64_t most);
+
+/// The same from 0 on for a number of the option's own type.
 template <typename Number>
-CLI::Validator between(Number least, Number most) {
-    const auto complaint = [least, most](const std::string& text) -> std::string {
-        Number number{};
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-        const bool isDecimal =
-            error == std::errc() && end == text.data() + text.size() && (text[0] != '0' || text.size() == 1);
-        if (isDecimal && number >= least && number <= most) {
-            return "";
-        }
-        return "Value " + text + " not in range " + std::to_string(least) + " to " + std::to_string(most);
-    };
-    return {complaint, ""};
+CLI::Option* takeNumber(CLI::Option* option, Number most) {
+    return takeNumber(option, 0, std::int64_t{most});
 }
 
 }  // namespace tool

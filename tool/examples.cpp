@@ -1,0 +1,58 @@
+#include "examples.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace tool {
+
+namespace {
+
+// clang-format off
+constexpr Example examples[] = {
+    {"", "add customer error 14 --bus 1 --module 3", "Record an event."},
+    {"", "show customer",                            "Show it in words."},
+    {"", "show --help",                              "Tell how a command is used."},
+
+    {"show", "show customer",                                            "The newest twenty entries."},
+    {"show", "show service --all --reverse",                             "Everything, as it happened."},
+    {"show", "show service --type error --since yesterday --grep fan",   "What went wrong with the fans since yesterday."},
+    {"show", "show customer --follow",                                   "Watch a device while you work on it."},
+
+    {"stats", "stats customer",                                          "What happens most often."},
+    {"stats", "stats service --unit 1 --since \"30 days ago\"",          "The last month of one unit."},
+
+    {"check", "check",                                                   "Both logbooks."},
+    {"check", "check service --folder copied",                           "One of them, copied from a device."},
+
+    {"add", "add customer error 14 --bus 1 --module 3",                  "tqzel-logbook explain E14 tells what error 14 needs."},
+    {"add", "add service error 15 --bus 2 --module 7 --unit 1 --service \"(Id 82 A)\"", "With a detail for service people."},
+    {"add", "add customer info 201 --params '{\"path\":\"A\",\"operatingClass\":\"AB\"}'", "With its parameters as JSON."},
+    {"add", "add service info --unit 2 --text \"Fan 1 replaced\"",       "A note of your own."},
+
+    {"clear", "clear customer",                                          "Asks before it removes anything."},
+    {"clear", "clear service --yes",                                     "For scripts."},
+
+    {"export", "export customer --output customer.jsonl",                "Into a file."},
+    {"export", "export service | gzip >service.jsonl.gz",                "Through a pipe."},
+
+    {"import", "import customer customer.jsonl",                         "Add the entries of a file."},
+    {"import", "import service - <service.jsonl",                        "Add those of standard input."},
+
+    {"messages", "messages",                                             "All of them."},
+    {"messages", "messages --type warning --format json",                "The warnings, for a program."},
+
+    {"explain", "explain E14",                                           "The wording and the parameters of error 14."},
+    {"explain", "explain I201",                                          "Those of information 201."},
+};
+// clang-format on
+
+}  // namespace
+
+std::vector<Example> examplesOf(const std::string& command) {
+    std::vector<Example> found;
+    std::copy_if(std::begin(examples), std::end(examples), std::back_inserter(found),
+                 [&](const Example& example) { return example.command == command; });
+    return found;
+}
+
+}  // namespace tool
