@@ -42,6 +42,8 @@ void declare(CLI::App& app, Selection& selection) {
     declareImport(app, selection);
     declareMessages(app);
     declareExplain(app);
+    declareCompletion(app);
+    declareManual(app);
 }
 
 void parse(CLI::App& app, int argc, const char* const* argv) {

@@ -11,9 +11,11 @@ namespace tool {
 void declareAdd(CLI::App& app, Selection& selection);
 void declareCheck(CLI::App& app, Selection& selection);
 void declareClear(CLI::App& app, Selection& selection);
+void declareCompletion(CLI::App& app);
 void declareExplain(CLI::App& app);
 void declareExport(CLI::App& app, Selection& selection);
 void declareImport(CLI::App& app, Selection& selection);
+void declareManual(CLI::App& app);
 void declareMessages(CLI::App& app);
 void declareReport(CLI::App& app, Selection& selection);
 void declareShow(CLI::App& app, Selection& selection);

@@ -51,6 +51,16 @@ protected:
         return outcome.errors.substr(start.size(), outcome.errors.size() - start.size() - 1);
     }
 
+    /// What bash offers for the last of some words.
+    static std::string completed(const std::string& words) {
+        const std::string script = std::string("source ") + TQZEL_SOURCE_FOLDER +
+                                   "/tool/completion/tqzel-logbook; COMP_WORDS=(tqzel-logbook " + words +
+                                   "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tqzel_logbook; echo \"${COMPREPLY[*]}\"";
+        const Outcome outcome = support::run("bash -c '" + script + "'");
+        EXPECT_EQ(outcome.errors, "") << words;
+        return outcome.output;
+    }
+
     const std::vector<std::string> commands{"show",   "stats",  "check",    "add",    "clear",
                                             "export", "import", "messages", "explain"};
     support::TemporaryFolder folder;
@@ -66,6 +76,7 @@ TEST_F(Help, TellsEveryCommandInOneLine) {
     for (const std::string& command : commands) {
         EXPECT_THAT(help(""), testing::ContainsRegex("\n  " + command + " +[A-Z]"));
     }
+    EXPECT_THAT(help(""), testing::Not(testing::HasSubstr("completion")));
 }
 
 TEST_F(Help, TellsArgumentsOptionsAndExamplesOfACommand) {
@@ -208,6 +219,7 @@ TEST_F(Help, NamesTheWordsThatAChoiceHas) {
     EXPECT_EQ(wrongUse("show customer --color ''"), "--color: \"\" is not one of auto, always, never");
     EXPECT_EQ(wrongUse("add customer eror 14"),
               "type: \"eror\" is not one of info, warning, error; did you mean \"error\"?");
+    EXPECT_EQ(wrongUse("completion powershell"), "shell: \"powershell\" is not one of bash, zsh");
 }
 
 TEST_F(Help, TakesOneValueForEachNameOfAnOption) {
@@ -291,6 +303,33 @@ TEST_F(Help, RefusesNumbersThatAreNotDecimal) {
     EXPECT_EQ(wrongUse("add customer error 14 --bus 0x10"), "--bus: \"0x10\" is not a number from 0 to 4294967295");
     EXPECT_EQ(wrongUse("add customer error 14 --bus 1e3"), "--bus: \"1e3\" is not a number from 0 to 4294967295");
     EXPECT_EQ(wrongUse("add customer error 14 --bus ''"), "--bus: \"\" is not a number from 0 to 4294967295");
+}
+
+TEST_F(Help, CompletesCommandsOptionsAndWordsInBash) {
+    EXPECT_EQ(completed("s"), "show stats\n");
+    EXPECT_EQ(completed("\"\""), "add check clear explain export import messages show stats\n");
+    EXPECT_EQ(completed("show \"\""), "customer service\n");
+    EXPECT_EQ(completed("add customer \"\""), "error info warning\n");
+    EXPECT_EQ(completed("--folder here add cus"), "customer\n");
+    EXPECT_EQ(completed("show --co"), "--code --color --count\n");
+    EXPECT_EQ(completed("show customer --fo"), "--folder --follow --format\n");
+    EXPECT_EQ(completed("show --count 3 c"), "customer\n");
+    EXPECT_EQ(completed("show customer --count \"\""), "\n");
+    EXPECT_EQ(completed("show customer --reverse --format j"), "json jsonl\n");
+    EXPECT_EQ(completed("show customer --format = c"), "csv\n");
+    EXPECT_EQ(completed("show customer --format ="), "csv json jsonl table\n");
+    EXPECT_EQ(completed("add customer info 201 --operating-class step"),
+              "step1 step2 step3 step4 step5 step6 step7 step8\n");
+    EXPECT_EQ(completed("-"), "--folder --help --version -h\n");
+}
+
+TEST_F(Help, CompletesFilesAndFoldersInBash) {
+    std::filesystem::create_directory(folder / "logbooks");
+    support::write(folder / "lines", "");
+    const std::string start = (folder / "l").string();
+    EXPECT_EQ(completed("import customer " + start),
+              (folder / "lines").string() + ' ' + (folder / "logbooks").string() + '\n');
+    EXPECT_EQ(completed("--folder " + start), (folder / "logbooks").string() + '\n');
 }
 
 }  // namespace
