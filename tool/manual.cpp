@@ -108,7 +108,7 @@ void printExamples(const Command& command) {
 }
 
 void printManual(const Interface& all) {
-    std::cout << ".\\\" Made by `tqzel-logbook manual`.\n.TH TQZEL\\-LOGBOOK 1 \"\" \"tqzel\\-logbook " << all.version
+    std::cout << ".\\\" Made by `tqzel-logbook man`.\n.TH TQZEL\\-LOGBOOK 1 \"\" \"tqzel\\-logbook " << all.version
               << "\" \"User Commands\"\n.SH NAME\ntqzel\\-logbook \\- records and shows the logbooks of an amplifier\n"
               << ".SH SYNOPSIS\n.nf\n";
     for (const Command& command : all.commands) {
@@ -132,7 +132,7 @@ void printManual(const Interface& all) {
 }  // namespace
 
 void declareManual(CLI::App& app) {
-    CLI::App& command = *app.add_subcommand("manual", "Print the manual page")->group("");
+    CLI::App& command = *app.add_subcommand("man", "Print the manual page")->group("");
     command.callback([&app] { printManual(interfaceOf(app)); });
 }
 
