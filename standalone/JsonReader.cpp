@@ -112,8 +112,9 @@ private:
         return inArray ? containers[depth - 1]->append(Json::Value()) : *place;
     }
 
+    /// The rest of a value, its comments and offsets, is as empty as that of the place.
     bool put(Json::Value&& value) {
-        next().swap(value);
+        next().swapPayload(value);
         return true;
     }
 
@@ -121,9 +122,10 @@ private:
         if (depth == containers.size()) {
             return false;
         }
-        Json::Value& container = next();
-        container = Json::Value(type);
-        containers[depth++] = &container;
+        Json::Value& opened = next();
+        Json::Value container(type);
+        opened.swapPayload(container);
+        containers[depth++] = &opened;
         return true;
     }
 

@@ -16,11 +16,9 @@ std::string JsonUtility::toJsonString(const Json::Value& value) {
 }
 
 Json::Value JsonUtility::toJsonValue(std::string_view text) {
-    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
-        return {};
-    }
     Json::Value value;
-    if (!standalone::readPlainJson(text, value)) {
+    const bool blank = text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+    if (!blank && !standalone::readPlainJson(text, value)) {
         value = standalone::readJson(text);
     }
     return value;

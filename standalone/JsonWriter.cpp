@@ -34,12 +34,23 @@ void appendEscaped(std::string& text, char character) {
     text += digits[byte & 15];
 }
 
+/// Of each byte, whether it can't stand in a string as it is.
+constexpr std::array<bool, 256> makeEscaped() {
+    constexpr std::size_t firstPrintable = 0x20;
+    std::array<bool, 256> isEscaped{};
+    for (std::size_t byte = 0; byte < firstPrintable; ++byte) {
+        isEscaped[byte] = true;
+    }
+    isEscaped['"'] = true;
+    isEscaped['\\'] = true;
+    return isEscaped;
+}
+
 void appendString(std::string& text, const char* begin, const char* end) {
-    constexpr unsigned char firstPrintable = 0x20;
+    static constexpr std::array<bool, 256> isEscaped = makeEscaped();
     text += '"';
     for (const char* plain = begin; begin != end; plain = begin) {
-        while (begin != end && *begin != '"' && *begin != '\\' &&
-               static_cast<unsigned char>(*begin) >= firstPrintable) {
+        while (begin != end && !isEscaped[static_cast<unsigned char>(*begin)]) {
             ++begin;
         }
         text.append(plain, static_cast<std::size_t>(begin - plain));

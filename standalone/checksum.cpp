@@ -9,42 +9,35 @@ namespace standalone {
 
 namespace {
 
-class Crc32 {
-public:
-    /// The same bytes on every machine.
-    void add(std::uint64_t number) {
-        std::array<unsigned char, sizeof number> bytes{};
-        for (unsigned char& byte : bytes) {
-            byte = static_cast<unsigned char>(number);
-            number >>= 8;
-        }
-        add(bytes.data(), bytes.size());
+constexpr std::size_t wordSize = 8;
+
+/// The same bytes on every machine.
+unsigned char* put(unsigned char* bytes, std::uint64_t word) {
+    for (unsigned char* const end = bytes + wordSize; bytes != end; word >>= 8) {
+        *bytes++ = static_cast<unsigned char>(word);
     }
+    return bytes;
+}
 
-    /// Its length first: a byte that moves from one text to the next is a change.
-    void add(std::string_view text) {
-        add(std::uint64_t{text.size()});
-        add(reinterpret_cast<const unsigned char*>(text.data()), text.size());
-    }
-
-    std::uint32_t value() const { return static_cast<std::uint32_t>(state); }
-
-private:
-    void add(const unsigned char* bytes, std::size_t size) { state = crc32_z(state, bytes, size); }
-
-    uLong state = 0;
-};
+uLong extended(uLong state, std::string_view text) {
+    return crc32_z(state, reinterpret_cast<const unsigned char*>(text.data()), text.size());
+}
 
 }  // namespace
 
+// The length of each text before it: a byte that moves from one text to the next is a change.
 std::uint32_t checksum(const NumberedRecord& record) {
-    Crc32 crc;
-    crc.add(static_cast<std::uint64_t>(record.number));
-    crc.add(static_cast<std::uint64_t>(record.seconds));
-    crc.add(static_cast<std::uint64_t>(record.nanoseconds));
-    crc.add(record.time);
-    crc.add(record.json);
-    return crc.value();
+    std::array<unsigned char, 4 * wordSize> head{};
+    unsigned char* end = put(head.data(), static_cast<std::uint64_t>(record.number));
+    end = put(end, static_cast<std::uint64_t>(record.seconds));
+    end = put(end, static_cast<std::uint64_t>(record.nanoseconds));
+    put(end, record.time.size());
+    std::array<unsigned char, wordSize> length{};
+    put(length.data(), record.json.size());
+
+    uLong state = extended(crc32_z(0, head.data(), head.size()), record.time);
+    state = extended(crc32_z(state, length.data(), length.size()), record.json);
+    return static_cast<std::uint32_t>(state);
 }
 
 }  // namespace standalone

@@ -15,11 +15,11 @@ class LogbookEntryConverter {
 public:
     /// @throws system::LogicError for a type or generation outside its enumeration
     static Json::Value fromValToJsonValue(const LogbookEntry& entry) {
-        Json::Value json;
-        json[Json::StaticString("type")] = enums::LogbookEntryTypeConverter::fromValToJsonValue(entry.type);
-        json[Json::StaticString("code")] = Json::UInt64{entry.code};
-        json[Json::StaticString("description")] = entry.description;
-        json[Json::StaticString("details")] = LogbookEntryDetailsConverter::fromValToJsonValue(entry.details);
+        Json::Value json(Json::objectValue);
+        setMember(json, "type", enums::LogbookEntryTypeConverter::fromValToJsonValue(entry.type));
+        setMember(json, "code", Json::UInt64{entry.code});
+        setMember(json, "description", entry.description);
+        setMember(json, "details", LogbookEntryDetailsConverter::fromValToJsonValue(entry.details));
         return json;
     }
 

@@ -14,11 +14,11 @@ class LogbookEntryDetailsConverter {
 public:
     /// @throws system::LogicError for a generation outside its enumeration
     static Json::Value fromValToJsonValue(const LogbookEntryDetails& details) {
-        Json::Value json;
-        json[Json::StaticString("unit")] = Json::Int64{details.unit};
-        json[Json::StaticString("device")] = Json::Int64{details.device};
-        json[Json::StaticString("params")] = cia::StringConverter::fromValToJsonValue(details.params);
-        json[Json::StaticString("generation")] = enums::GenerationConverter::fromValToJsonValue(details.generation);
+        Json::Value json(Json::objectValue);
+        setMember(json, "unit", Json::Int64{details.unit});
+        setMember(json, "device", Json::Int64{details.device});
+        setMember(json, "params", cia::StringConverter::fromValToJsonValue(details.params));
+        setMember(json, "generation", enums::GenerationConverter::fromValToJsonValue(details.generation));
         return json;
     }
 

@@ -9,6 +9,12 @@
 
 namespace tqbase2::nsa::zel::structs {
 
+/// Sets a member that the object doesn't have yet. Cheaper than to assign it.
+/// @param key must last as long as the object
+inline void setMember(Json::Value& object, const char* key, Json::Value&& value) {
+    object[Json::StaticString(key)].swapPayload(value);
+}
+
 /// The members of some keys, null for one that is missing, found in one walk: a look-up for each costs several times
 /// that.
 /// @param keys in ascending order, as jsoncpp keeps the members
