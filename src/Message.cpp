@@ -25,9 +25,8 @@ const Place* nextPlace(std::string_view& words, std::string_view& before) {
 }
 
 std::string compose(std::string_view words, const ParameterRecord& params) {
-    constexpr std::size_t usualLength = 120;
     std::string text;
-    text.reserve(usualLength);
+    text.reserve(words.size());  // what stands in a place is seldom longer than its name
     std::string_view before;
     while (const Place* const place = nextPlace(words, before)) {
         text += before;

@@ -21,6 +21,8 @@ constexpr Example examples[] = {
     {"stats", "stats customer",                                          "What happens most often."},
     {"stats", "stats service --unit 1 --since \"30 days ago\"",          "The last month of one unit."},
 
+    {"report", "report --output report.html",                            "For a colleague, who needs nothing but a browser."},
+
     {"check", "check",                                                   "Both logbooks."},
     {"check", "check service --folder copied",                           "One of them, copied from a device."},
 

@@ -385,7 +385,8 @@ void report(const Selection& selection, const std::string& file, const std::stri
         throw standalone::DatabaseError(faults.empty() ? folder.string() + ": there is no logbook" : faults);
     }
     const mustache::data page = pageOf(logbooks, folder, title);
-    writeOutput(selection, file, [&](std::ostream& stream) { mustache::mustache(templates::report).render(page, stream); });
+    writeOutput(selection, file,
+                [&](std::ostream& stream) { mustache::mustache(templates::report).render(page, stream); });
     if (!faults.empty()) {
         throw std::runtime_error(faults + "; the report tells all that could be read");
     }

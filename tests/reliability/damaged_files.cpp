@@ -148,9 +148,10 @@ int main(int argc, char** argv) {
         for (std::size_t length = page; length < logbooks.content.size(); length += page) {
             cutAt(length);
         }
+        constexpr std::size_t shortest = 2;  // SQLite takes a file of one byte for an empty one
         std::mt19937 random(extent.seed);
         for (std::uint64_t round = 0; round < extent.rounds; ++round) {
-            cutAt(std::uniform_int_distribution<std::size_t>(1, logbooks.content.size() - 1)(random));
+            cutAt(std::uniform_int_distribution<std::size_t>(shortest, logbooks.content.size() - 1)(random));
         }
     }
     return failures.conclude("damaged files: " + std::to_string(figures.damages) + " damages, " +

@@ -307,7 +307,7 @@ TEST_F(Help, RefusesNumbersThatAreNotDecimal) {
 
 TEST_F(Help, CompletesCommandsOptionsAndWordsInBash) {
     EXPECT_EQ(completed("s"), "show stats\n");
-    EXPECT_EQ(completed("\"\""), "add check clear explain export import messages show stats\n");
+    EXPECT_EQ(completed("\"\""), "add check clear explain export import messages report show stats\n");
     EXPECT_EQ(completed("show \"\""), "customer service\n");
     EXPECT_EQ(completed("add customer \"\""), "error info warning\n");
     EXPECT_EQ(completed("--folder here add cus"), "customer\n");

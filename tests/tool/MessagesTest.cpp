@@ -68,7 +68,7 @@ TEST_F(Explain, ReadsLeadingZeroesAsPeopleDo) {
 
 TEST_F(Explain, RefusesWhatStandsForNothing) {
     EXPECT_EQ(wrongUse("explain E4711"),
-              "tqzel-logbook: code: there is no message E4711; `tqzel-logbook messages` lists them\n");
+              "tqzel-logbook: code: there is no message E4711; tqzel-logbook messages lists them\n");
     for (const std::string name : {"X1", "14", "E", "E-1", "E+1", "E 1", "E1x", "E0x10", "E4294967297"}) {
         EXPECT_EQ(wrongUse("explain '" + name + '\''), "tqzel-logbook: code: \"" + name +
                                                            "\" is no code; expected E, W or I and a number, like "
