@@ -10,6 +10,7 @@
 #include <memory>
 #include <vector>
 
+/// A platform for any Linux box: logbooks in SQLite files, a logger to standard error, the system's clock.
 namespace standalone {
 
 /// Where the logbooks are kept unless said otherwise: $TQZEL_LOGBOOK_DIR, else $XDG_STATE_HOME/tqzel-logbook, else
@@ -17,7 +18,7 @@ namespace standalone {
 /// @throws DatabaseError when none of the variables is set
 TQZEL_STANDALONE_EXPORT std::filesystem::path logbookFolder();
 
-/// The file in a folder that holds the named logbook.
+/// The file in a folder that holds the named logbook; it need not exist.
 TQZEL_STANDALONE_EXPORT std::filesystem::path logbookFile(const std::filesystem::path& folder, const char* name);
 
 /// Opens logbooks as SQLite files in one folder. The databases it makes may be used from several threads, and several
@@ -28,7 +29,7 @@ public:
     explicit SqliteDatabaseFactory(std::filesystem::path logbooks);
 
     /// Newest record first, by order of adding. When `add` returns, the record survives power loss.
-    /// @param name the file is <name>.db
+    /// @param name of the logbook; the file is `name`.db
     /// @param first has no meaning here
     /// @param second capacity in records, beyond which the oldest is dropped; 0: unlimited
     /// @throws DatabaseError, here and from the database, naming the file and the reason. A file that is not a logbook,
@@ -37,6 +38,7 @@ public:
 
     /// Adds records to a logbook, oldest first, all of them or, when it throws, none.
     /// @param name, capacity as for `create`
+    /// @param records stored as they are, with the times they carry
     /// @throws DatabaseError
     void addAll(const char* name, std::uint32_t capacity, const std::vector<lgb::DatabaseRecord>& records) const;
 

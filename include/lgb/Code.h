@@ -7,19 +7,23 @@
 #include <cstdint>
 #include <iosfwd>
 
+/// The short names of messages, "E14".
 namespace lgb::code {
 
 /// Identifies a message: an id that is unique within its type. A value.
 class TQZEL_EXPORT Code {
 public:
     /// @param id of the message; 0 is kept for entries without a code
+    /// @param type kept as it is, also a number outside the enumeration
     Code(unsigned int id, tqbase2::nsa::zel::enums::LogbookEntryType type);
-    Code(const Code&) = default;
-    Code& operator=(const Code&) = default;
+    Code(const Code&) = default;             ///< Equal in id and type.
+    Code& operator=(const Code&) = default;  ///< Takes over id and type.
     virtual ~Code();
 
+    /// Unique within the type; docs/messages.md lists those that have a message.
     unsigned int id() const { return number; }
 
+    /// Which of the message tables the id belongs to.
     tqbase2::nsa::zel::enums::LogbookEntryType type() const { return kind; }
 
     /// Whether the entry carries this code: same type, and the same id in all 64 bits.
@@ -33,12 +37,13 @@ private:
 /// The code of a service-only entry. Only with id 0 is the entry one that the customer logbook leaves out.
 class TQZEL_EXPORT ServiceCode : public Code {
 public:
+    /// As Code is made; with an id other than 0 it is an ordinary code.
     using Code::Code;
 
     /// Has id 0.
     explicit ServiceCode(tqbase2::nsa::zel::enums::LogbookEntryType type);
-    ServiceCode(const ServiceCode&) = default;
-    ServiceCode& operator=(const ServiceCode&) = default;
+    ServiceCode(const ServiceCode&) = default;             ///< Equal in id and type.
+    ServiceCode& operator=(const ServiceCode&) = default;  ///< Takes over id and type.
     ~ServiceCode() override;
 };
 

@@ -28,6 +28,7 @@ public:
 
 protected:
     /// What `create` does, on an entry whose parameters others read as well.
+    /// @param entry whose description is replaced
     /// @param params made from the entry's own parameter text
     TQZEL_INTERNAL bool describe(tqbase2::nsa::zel::structs::LogbookEntry& entry, const ParameterRecord& params);
 

@@ -15,6 +15,7 @@ struct TQZEL_EXPORT Entry : tqbase2::nsa::zel::structs::LogbookEntry {
     Entry(const code::Code& message);
 
     /// A coded message with its parameter record or, for a code of id 0, a free-text entry.
+    /// @param message any code; one that has no message reads "unknown entry" when it is shown
     /// @param text becomes `details.params` (see lgb/params.h), or `description` when the id is 0
     Entry(const code::Code& message, const std::string& text);
 };

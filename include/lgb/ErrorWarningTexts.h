@@ -7,7 +7,7 @@
 
 namespace lgb {
 
-/// The messages that errors and warnings have in common.
+/// The messages that errors and warnings have in common. No state: may be used from any thread.
 class TQZEL_EXPORT ErrorWarningTexts {
 public:
     /// @param code its id chooses the message; some say " reduced RF Power" when its type is Warning

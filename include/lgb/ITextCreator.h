@@ -11,6 +11,7 @@ namespace lgb {
 class TQZEL_EXPORT ITextCreator {
 public:
     /// The message of a code, without unit and device in front and without closing punctuation.
+    /// @param code its id alone chooses the message, whatever its type; that decides only over " reduced RF Power"
     /// @param params text of the entry's parameter record
     /// @return "unknown entry" for an id that this creator does not know
     /// @throws what the platform's JSON parser throws, Json::LogicError or tqbase2::system::LogicError when the message

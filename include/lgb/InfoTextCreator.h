@@ -16,7 +16,9 @@ public:
 };
 
 /// "Interlock 1 (automatic) was closed"
+/// @param number of the interlock; the device has 1 and 2
 /// @param params reads "interlockMode"
+/// @param opened whether it was opened, else closed
 TQZEL_EXPORT std::string interlock(unsigned int number, const std::string& params, bool opened);
 
 /// "Output Mode of RF-Path "A" changed to High VSWR"

@@ -21,6 +21,7 @@ public:
 
     /// An entry for the service logbook alone, of generation Heron, unit and device -1 (none).
     /// @param text becomes the description; with a code whose id is not 0 it becomes the parameter record instead
+    /// @param code usually of id 0; its type is the entry's
     static tqbase2::nsa::zel::logbook::Entry createServiceOnly(const std::string& text, const code::ServiceCode& code);
 };
 

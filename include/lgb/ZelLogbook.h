@@ -9,6 +9,7 @@
 
 #include <memory>
 
+/// The logbooks: what device software calls, and with the declarations in `platform/` what it may supply.
 namespace lgb {
 
 /// Start here: the one object that device software makes. Opens the databases "lgbCustomer" and "lgbService" and keeps
@@ -19,7 +20,9 @@ public:
     /// @throws whatever the platform throws when one can't be opened; the other is then closed again
     ZelLogbook();
 
+    /// Opens databases of the caller's choice.
     /// @param databaseFactory, logbookFactory used during construction only
+    /// @throws whatever they throw; what was opened is then closed again
     ZelLogbook(const DatabaseFactory& databaseFactory, const LogbookFactory& logbookFactory);
 
     ~ZelLogbook() override;

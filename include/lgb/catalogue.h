@@ -17,9 +17,10 @@ struct Place {
     std::string holds;  ///< what the member holds: "number", "boolean", "text" or the words it may be
 };
 
+/// One message: what a code stands for.
 struct Message {
-    tqbase2::nsa::zel::enums::LogbookEntryType type;
-    std::uint32_t id;
+    tqbase2::nsa::zel::enums::LogbookEntryType type;  ///< with the id the code, "E14"
+    std::uint32_t id;                                 ///< unique within the type, never 0
     std::string words;          ///< "Setting attenuation failed for amplifier {module} on bus {bus}"
     std::vector<Place> places;  ///< those in the words, from left to right
 };

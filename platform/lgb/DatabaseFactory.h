@@ -15,7 +15,7 @@ class DatabaseFactory {
 public:
     virtual ~DatabaseFactory();
 
-    /// Opens the named database, making it when there is none.
+    /// Opens the named database, making it when there is none. A ZelLogbook calls it twice, while it is made.
     /// @param name of the logbook, "lgbCustomer" or "lgbService"
     /// @param first, second the platform's own numbers, handed on unchanged
     /// @return never null

@@ -11,8 +11,8 @@ namespace lgb {
 
 /// One stored record, as it was handed to IDatabase::add.
 struct DatabaseRecord {
-    timestamp::Timestamp timestamp;
-    std::string json;
+    timestamp::Timestamp timestamp;  ///< as the clock gave it
+    std::string json;                ///< the stored document, usually about 150 bytes; any byte may occur
 };
 
 /// Storage of one logbook: records in one consistent order of the platform's choosing.

@@ -5,6 +5,7 @@
 
 #pragma GCC visibility push(default)
 
+/// The platform's clock.
 namespace lgb::timestamp {
 
 /// A moment as the platform's clock gives it. The library copies it whole and never looks inside.

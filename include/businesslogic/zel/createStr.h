@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+/// Text helpers, and the words for on and off that the platform supplies.
 namespace businesslogic::zel {
 
 /// Joins its arguments through a string stream, with nothing between them; a bool reads "true" or "false". A null

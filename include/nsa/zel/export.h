@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// What leaves the shared library.
+
 /// Marks what libTqZelLogbook.so exports; everything else in it is hidden.
 #define TQZEL_EXPORT __attribute__((visibility("default")))
 

@@ -5,6 +5,7 @@
 /// The library's use of the platform logger: one channel, four levels.
 namespace tqbase2::nsa::zel::logging {
 
+/// Where all its lines go.
 inline constexpr const char* channel = "libTqZelLogbook";
 
 inline constexpr unsigned int trace = 1;        ///< each description made

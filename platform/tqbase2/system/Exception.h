@@ -5,6 +5,7 @@
 
 #pragma GCC visibility push(default)
 
+/// What the library needs of any platform: exceptions, JSON text, a logger, signals.
 namespace tqbase2::system {
 
 /// Base of what the platform throws. Keeps the default what().

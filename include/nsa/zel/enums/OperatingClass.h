@@ -9,7 +9,7 @@
 
 namespace tqbase2::nsa::zel::enums {
 
-/// Operating class of an RF path.
+/// Operating class of an RF path: AB, A, and eight steps between them.
 enum class OperatingClass : std::int32_t {
     AB = 0,
     Step1 = 1,

@@ -6,7 +6,7 @@
 
 namespace tqbase2::nsa::zel::enums {
 
-/// Output mode of an RF path.
+/// Output mode of an RF path: Vswr for high VSWR, Power for high power, and nine steps between them.
 enum class OutputMode : std::int32_t {
     Vswr = 0,
     Increased1 = 1,

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string_view>
 
+/// Enumerations of stored entries. Their numbers and spellings are persistent formats: append, never change.
 namespace tqbase2::nsa::zel::enums {
 
 /// The spelling of a value from the array whose index is the value; empty for a number outside the enumeration.

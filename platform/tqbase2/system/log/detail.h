@@ -11,6 +11,10 @@ namespace tqbase2::system::log::detail {
 /// mirrors with entryLog.
 bool isEnabled(unsigned int level, const char* channel);
 
+/// Writes one line. Should not throw: a page would fail for the sake of it.
+/// @param level 1 to 4
+/// @param channel who speaks, "libTqZelLogbook"
+/// @param message may hold any bytes, those of damaged records included
 void log(unsigned int level, const char* channel, const std::string& message);
 
 }  // namespace tqbase2::system::log::detail

@@ -4,8 +4,10 @@
 
 #pragma GCC visibility push(default)
 
+/// Notifications.
 namespace tqbase2::system::signals {
 
+/// What signals of all signatures have in common.
 class SignalBase {};
 
 /// The platform's signal: Boost's, with its default combiner and mutex.

@@ -4,6 +4,7 @@
 
 #include <string>
 
+/// Readers of parameter records.
 namespace tqbase2::nsa::zel::logbook::params {
 
 /// Reads the "value" member of a parameter record.

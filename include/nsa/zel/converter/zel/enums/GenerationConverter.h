@@ -8,7 +8,7 @@ namespace tqbase2::nsa::zel::enums {
 /// Generation to its JSON spelling and back.
 class GenerationConverter {
 public:
-    using type = Generation;
+    using type = Generation;  ///< What is converted.
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {

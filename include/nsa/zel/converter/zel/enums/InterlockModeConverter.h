@@ -8,7 +8,7 @@ namespace tqbase2::nsa::zel::enums {
 /// InterlockMode to its JSON spelling and back.
 class InterlockModeConverter {
 public:
-    using type = InterlockMode;
+    using type = InterlockMode;  ///< What is converted.
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {

@@ -8,7 +8,7 @@ namespace tqbase2::nsa::zel::enums {
 /// LogbookEntryType to its JSON spelling and back.
 class LogbookEntryTypeConverter {
 public:
-    using type = LogbookEntryType;
+    using type = LogbookEntryType;  ///< What is converted.
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {

@@ -8,7 +8,7 @@ namespace tqbase2::nsa::zel::enums {
 /// OperatingClass to its JSON spelling and back.
 class OperatingClassConverter {
 public:
-    using type = OperatingClass;
+    using type = OperatingClass;  ///< What is converted.
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {

@@ -8,7 +8,7 @@ namespace tqbase2::nsa::zel::enums {
 /// OutputMode to its JSON spelling and back.
 class OutputModeConverter {
 public:
-    using type = OutputMode;
+    using type = OutputMode;  ///< What is converted.
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {

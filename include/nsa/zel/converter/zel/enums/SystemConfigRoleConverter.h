@@ -8,7 +8,7 @@ namespace tqbase2::nsa::zel::enums {
 /// SystemConfigRole to its JSON spelling and back.
 class SystemConfigRoleConverter {
 public:
-    using type = SystemConfigRole;
+    using type = SystemConfigRole;  ///< What is converted.
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {

@@ -8,7 +8,7 @@ namespace tqbase2::nsa::zel::enums {
 /// TypeProduct to its JSON spelling and back.
 class TypeProductConverter {
 public:
-    using type = TypeProduct;
+    using type = TypeProduct;  ///< What is converted.
 
     /// @throws system::LogicError, without logging, for a number outside the enumeration
     static Json::Value fromValToJsonValue(const type& value) {

@@ -17,7 +17,10 @@
 /// converter's header by a literal, since it is compiled in units where no path is stripped.
 namespace tqbase2::nsa::zel::enums::conversion {
 
+/// The JSON string of a spelling.
 /// @param text a spelling; empty for a number outside the enumeration
+/// @param location the place that a failure names
+/// @throws system::LogicError for an empty text
 inline Json::Value toJson(std::string_view text, const boost::source_location& location) {
     if (text.empty()) {
         boost::throw_exception(system::LogicError(), location);
@@ -35,7 +38,8 @@ inline std::string_view textOf(const Json::Value& value, std::string& converted)
     return converted = value.asString();
 }
 
-/// The index of a spelling, 0 for none. Compiled once for all enumerations.
+/// The index of a spelling, 0 for null and the empty text. Compiled once for all enumerations.
+/// @throws system::LogicError, logged at level 4, for another text; Json::LogicError for an array or object
 inline std::size_t indexFromJson(const std::string_view* spellings, std::size_t count, const Json::Value& value,
                                  const boost::source_location& location) {
     std::string converted;
@@ -55,6 +59,7 @@ inline std::size_t indexFromJson(const std::string_view* spellings, std::size_t 
     boost::throw_exception(system::LogicError(), location);
 }
 
+/// The value of a spelling, under the rules of indexFromJson.
 template <typename Enum, std::size_t Count>
 Enum fromJson(const std::array<std::string_view, Count>& spellings, const Json::Value& value,
               const boost::source_location& location) {

@@ -17,6 +17,7 @@ inline void setMember(Json::Value& object, const char* key, Json::Value&& value)
 
 /// The members of some keys, null for one that is missing, found in one walk: a look-up for each costs several times
 /// that.
+/// @param json an object, or null, which has none
 /// @param keys in ascending order, as jsoncpp keeps the members
 /// @throws Json::LogicError for what has no members
 template <std::size_t Count>
