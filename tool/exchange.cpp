@@ -101,9 +101,9 @@ std::string lineOf(const DatabaseRecord& record) {
 /// @return how many had to be left out, being damaged
 std::int64_t exportTo(std::ostream& stream, standalone::LogbookReader& reader) {
     Progress progress(reader.count());
-    constexpr unsigned int recordsAtOnce = 256;
+    constexpr unsigned int linesAtOnce = 256;
     std::int64_t damaged = 0;
-    std::vector<StoredRecord> records = reader.after(0, recordsAtOnce);
+    std::vector<StoredRecord> records = reader.after(0, linesAtOnce);
     while (!records.empty() && stream) {
         for (const StoredRecord& record : records) {
             if (record.intact) {
@@ -113,7 +113,7 @@ std::int64_t exportTo(std::ostream& stream, standalone::LogbookReader& reader) {
             }
         }
         progress.advance(static_cast<std::int64_t>(records.size()));
-        records = reader.after(records.back().number, recordsAtOnce);
+        records = reader.after(records.back().number, linesAtOnce);
     }
     stream.flush();
     return damaged;

@@ -18,7 +18,7 @@ using tqbase2::nsa::zel::enums::LogbookEntryType;
 
 namespace {
 
-constexpr const char* group = "Which entries";
+constexpr const char* filterGroup = "Which entries";
 
 Span parsedSpan(const std::string& option, const std::string& text) {
     try {
@@ -93,7 +93,7 @@ void declareFilter(CLI::App& command, Filter& filter) {
               typeNames)
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->group(group);
+        ->group(filterGroup);
     command
         .add_option_function<std::vector<std::string>>(
             "--code",
@@ -106,27 +106,27 @@ void declareFilter(CLI::App& command, Filter& filter) {
         ->type_name("CODE")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->group(group);
-    takeNumber(command.add_option("--unit", filter.unit, "Only of this unit"), highest)->group(group);
-    takeNumber(command.add_option("--device", filter.device, "Only of this device"), highest)->group(group);
+        ->group(filterGroup);
+    takeNumber(command.add_option("--unit", filter.unit, "Only of this unit"), highest)->group(filterGroup);
+    takeNumber(command.add_option("--device", filter.device, "Only of this device"), highest)->group(filterGroup);
     command
         .add_option_function<std::string>(
             "--since", [&filter](const std::string& text) { filter.since = parsedSpan("--since", text).first; },
             "Only from this time on: a day, a time, or \"2 hours ago\"")
         ->type_name("TIME")
-        ->group(group);
+        ->group(filterGroup);
     command
         .add_option_function<std::string>(
             "--until", [&filter](const std::string& text) { filter.until = parsedSpan("--until", text).last; },
             "Only up to this time; a day counts whole")
         ->type_name("TIME")
-        ->group(group);
+        ->group(filterGroup);
     command
         .add_option_function<std::string>(
             "--grep", [&filter](const std::string& text) { filter.pattern = parsedPattern(text); },
             "Only with this regular expression in the description, in upper or lower case")
         ->type_name("PATTERN")
-        ->group(group);
+        ->group(filterGroup);
 }
 
 }  // namespace tool

@@ -97,12 +97,12 @@ void printJson(const std::vector<Message>& messages) {
     std::cout << tqbase2::system::JsonUtility::toJsonString(list) << '\n';
 }
 
-struct Format {
+struct ListFormat {
     const char* name;
     void (*print)(const std::vector<Message>& messages);
 };
 
-constexpr Format formats[] = {{"table", printTable}, {"markdown", printMarkdown}, {"json", printJson}};
+constexpr ListFormat listFormats[] = {{"table", printTable}, {"markdown", printMarkdown}, {"json", printJson}};
 
 void listMessages(const std::string& type, const std::string& format) {
     std::vector<Message> messages;
@@ -111,7 +111,7 @@ void listMessages(const std::string& type, const std::string& format) {
             messages.push_back(message);
         }
     }
-    std::find_if(std::begin(formats), std::end(formats), [&](const Format& each) {
+    std::find_if(std::begin(listFormats), std::end(listFormats), [&](const ListFormat& each) {
         return each.name == format;
     })->print(messages);
 }

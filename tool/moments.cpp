@@ -29,12 +29,12 @@ constexpr Unit units[] = {
     {"week", "", 7 * day}, {"day", "d", day}, {"hour", "h", hour}, {"minute", "min", minute}, {"second", "s", 1}};
 
 /// How a time may be written, and how long what it names lasts.
-struct Format {
+struct MomentFormat {
     const char* format;
     std::int64_t seconds;
 };
 
-constexpr Format formats[] = {
+constexpr MomentFormat momentFormats[] = {
     {"%Y-%m-%d", day},        {"%Y-%m-%dT%H:%M", minute}, {"%Y-%m-%d %H:%M", minute},
     {"%Y-%m-%dT%H:%M:%S", 1}, {"%Y-%m-%d %H:%M:%S", 1},
 };
@@ -80,7 +80,7 @@ Span localSpan(const std::tm& time, std::int64_t length) {
 }
 
 std::optional<Span> isoSpan(const std::string& text) {
-    for (const Format& format : formats) {
+    for (const MomentFormat& format : momentFormats) {
         std::tm time{};
         const char* const end = take(text, format.format, time);
         if (end != nullptr && !exists(time)) {

@@ -41,12 +41,14 @@ using tqbase2::nsa::zel::logbook::Entry;
 namespace {
 
 /// A message as it is counted: by its words, too, as those of the older generation are no messages of ours.
-struct Message {
+struct ShownMessage {
     LogbookEntryType type;
     std::string code;
     std::string words;
 
-    bool operator<(const Message& other) const { return std::tie(code, words) < std::tie(other.code, other.words); }
+    bool operator<(const ShownMessage& other) const {
+        return std::tie(code, words) < std::tie(other.code, other.words);
+    }
 };
 
 /// What a report tells of a logbook.
@@ -57,24 +59,24 @@ struct Contents {
     std::string entries;  ///< as rows of a table
     std::int64_t number = 0;
     std::vector<Moment> moments;  ///< of those that could be read
-    Counts<Message> messages;
+    Counts<ShownMessage> messages;
 
     std::int64_t unreadable() const { return number - static_cast<std::int64_t>(moments.size()); }
 
     bool wasRead() const { return !missing && (fault.empty() || number > 0); }
 };
 
-struct TypeLook {
+struct TypeWords {
     const char* singular;
     const char* plural;
 };
 
 // Index is the type.
-constexpr TypeLook typeLooks[] = {{"Info", "Information"}, {"Warning", "Warnings"}, {"Error", "Errors"}};
+constexpr TypeWords typeWords[] = {{"Info", "Information"}, {"Warning", "Warnings"}, {"Error", "Errors"}};
 constexpr LogbookEntryType worstFirst[] = {LogbookEntryType::Error, LogbookEntryType::Warning, LogbookEntryType::Info};
 
-const TypeLook& lookOf(LogbookEntryType type) {
-    return typeLooks[static_cast<std::size_t>(type)];
+const TypeWords& wordsOfType(LogbookEntryType type) {
+    return typeWords[static_cast<std::size_t>(type)];
 }
 
 /// How a type is called in the page's styles and script.
@@ -107,7 +109,7 @@ std::string numberOrNothing(std::int64_t number) {
 
 void setReadable(mustache::data& row, const Entry& entry) {
     row.set("type", classOf(entry.type));
-    row.set("typeName", lookOf(entry.type).singular);
+    row.set("typeName", wordsOfType(entry.type).singular);
     row.set("words", printable(entry.description));
     row.set("code", lgb::isServiceOnly(entry) ? "" : codeOf(entry));
     row.set("unit", numberOrNothing(entry.details.unit));
@@ -139,7 +141,7 @@ mustache::data rowOf(const ReadEntry& read) {
     return row;
 }
 
-Message messageOf(const ReadEntry& read, const std::map<std::string, std::string>& words) {
+ShownMessage messageOf(const ReadEntry& read, const std::map<std::string, std::string>& words) {
     const Entry& entry = read.entry;
     if (lgb::isServiceOnly(entry)) {
         return {entry.type, "", "free text"};
@@ -187,7 +189,7 @@ mustache::data figuresOf(const Contents& contents) {
         figures << figure;
     };
     for (const LogbookEntryType type : worstFirst) {
-        add(lookOf(type).plural,
+        add(wordsOfType(type).plural,
             std::count_if(contents.moments.begin(), contents.moments.end(),
                           [&](const Moment& moment) { return moment.type == type; }),
             classOf(type));
@@ -266,7 +268,7 @@ std::string axisTime(std::int64_t seconds, const Timeline& timeline) {
 std::string countsText(const Timeline::Part& part) {
     std::string text;
     for (const LogbookEntryType type : worstFirst) {
-        text += fmt::format("{}{}: {}", text.empty() ? "" : ", ", lookOf(type).plural,
+        text += fmt::format("{}{}: {}", text.empty() ? "" : ", ", wordsOfType(type).plural,
                             part[static_cast<std::size_t>(type)]);
     }
     return text;

@@ -347,15 +347,14 @@ void failEachCall(const Script& script, std::size_t step, support::Failures& fai
 }
 
 int run(int argc, char** argv) {
-    std::size_t step = 1;
-    CLI::App app;
-    app.add_option("--every", step, "fail only each n-th call")->check(CLI::PositiveNumber);
-    const support::Extent extent = support::extentOf(argc, argv, usualRounds, app);
+    std::uint64_t step = 1;
+    const support::Extent extent =
+        support::extentOf(argc, argv, usualRounds, {{"--every", &step, "fail only each n-th call"}});
     Random random(extent.seed);
     support::Failures failures;
     Figures figures;
     for (std::uint64_t round = 0; round < extent.rounds; ++round) {
-        failEachCall(someScript(random), step, failures, figures);
+        failEachCall(someScript(random), static_cast<std::size_t>(step), failures, figures);
     }
     return failures.conclude(
         "disk faults: " + std::to_string(figures.faults) + " faults at " + std::to_string(figures.calls) + " calls, " +

@@ -105,9 +105,8 @@ private:
 
 int main(int argc, char** argv) {
     std::string disk;
-    CLI::App app;
-    app.add_option("--folder", disk, "on a small file system of its own");
-    const support::Extent extent = support::extentOf(argc, argv, 200, app);
+    const support::Extent extent =
+        support::extentOf(argc, argv, 200, {{"--folder", &disk, "on a small file system of its own"}});
 
     constexpr std::uintmax_t small = std::uintmax_t{64} << 20;  // 64 MB
     if (!disk.empty() && std::filesystem::space(disk).capacity > small) {

@@ -387,9 +387,8 @@ Figures killAgainAndAgain(const support::Extent& extent, bool lies) {
 
 int run(int argc, char** argv) {
     bool lies = false;
-    CLI::App app;
-    app.add_flag("--lie", lies, "acknowledge records before they are added: must be found out");
-    const support::Extent extent = support::extentOf(argc, argv, usualRounds, app);
+    const support::Extent extent = support::extentOf(
+        argc, argv, usualRounds, {{"--lie", &lies, "acknowledge records before they are added: must be found out"}});
     const Figures figures = killAgainAndAgain(extent, lies);
 
     support::Failures failures;

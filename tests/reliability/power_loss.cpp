@@ -192,9 +192,9 @@ Figures losePowerAgainAndAgain(const support::Extent& extent, bool ignoresSyncs)
 
 int run(int argc, char** argv) {
     bool ignoresSyncs = false;
-    CLI::App app;
-    app.add_flag("--ignore-syncs", ignoresSyncs, "on a disk that does not sync: must be found out");
-    const support::Extent extent = support::extentOf(argc, argv, usualRounds, app);
+    const support::Extent extent =
+        support::extentOf(argc, argv, usualRounds,
+                          {{"--ignore-syncs", &ignoresSyncs, "on a disk that does not sync: must be found out"}});
     const Figures figures = losePowerAgainAndAgain(extent, ignoresSyncs);
 
     support::Failures failures;

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <cstdint>
+#include <initializer_list>
 #include <iostream>
 #include <string>
-#include <utility>
+#include <variant>
 
 namespace support {
 
@@ -15,25 +14,16 @@ struct Extent {
     std::uint32_t seed = 1;
 };
 
-/// Reads `--rounds` and `--seed`; ends the program for wrong use.
-/// @param usual rounds of the short form
-/// @param app knows what else the check takes
-inline Extent extentOf(int argc, char** argv, std::uint64_t usual, CLI::App& app) {
-    Extent extent{usual};
-    app.add_option("--rounds", extent.rounds, "how often");
-    app.add_option("--seed", extent.seed, "first random number");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        std::exit(app.exit(error));
-    }
-    return extent;
-}
+/// Something else that a check takes.
+struct Choice {
+    const char* name;
+    std::variant<bool*, std::uint64_t*, std::string*> value;
+    const char* purpose;
+};
 
-inline Extent extentOf(int argc, char** argv, std::uint64_t usual) {
-    CLI::App app;
-    return extentOf(argc, argv, usual, app);
-}
+/// Reads `--rounds`, `--seed` and the choices; ends the program for wrong use.
+/// @param usual rounds of the short form
+Extent extentOf(int argc, char** argv, std::uint64_t usual, std::initializer_list<Choice> choices = {});
 
 /// What went wrong; the first of it is told at the end, as standard error may be part of what is checked.
 class Failures {
