@@ -5,6 +5,7 @@
 #include <nsa/zel/logging.h>
 #include <tqbase2/system/JsonUtility.h>
 
+#include <cstddef>
 #include <exception>
 #include <string>
 #include <utility>
@@ -36,14 +37,20 @@ void logUnreadable(const DatabaseRecord& record, const std::exception& exception
     }
 }
 
-/// @return whether the entry is to be shown
-bool read(const DatabaseRecord& record, DescriptionCreator& descriptionCreator, LogbookEntry& entry) {
+/// Appends the entry of a record, if it is to be shown.
+/// @param expected how many entries the page may come to
+void append(std::vector<Entry>& page, std::size_t expected, DatabaseRecord& record,
+            DescriptionCreator& descriptionCreator) {
     try {
-        entry = LogbookEntryConverter::fromJsonToVal(JsonUtility::toJsonValue(record.json));
-        return descriptionCreator.create(entry);
+        page.reserve(expected);
+        Entry entry;
+        static_cast<LogbookEntry&>(entry) = LogbookEntryConverter::fromJsonToVal(JsonUtility::toJsonValue(record.json));
+        if (descriptionCreator.create(entry)) {
+            entry.timestamp = std::move(record.timestamp);
+            page.push_back(std::move(entry));
+        }
     } catch (const std::exception& exception) {
         logUnreadable(record, exception);
-        return false;
     }
 }
 
@@ -78,14 +85,8 @@ std::vector<Entry> Logbook::fetch(unsigned int offset, unsigned int count) {
     }
     std::vector<DatabaseRecord> records = database.fetch(offset, count);
     std::vector<Entry> page;
-    page.reserve(records.size());
     for (DatabaseRecord& record : records) {
-        Entry& entry = page.emplace_back();
-        if (read(record, *descriptionCreator, entry)) {
-            entry.timestamp = std::move(record.timestamp);
-        } else {
-            page.pop_back();
-        }
+        append(page, records.size(), record, *descriptionCreator);
     }
     return page;
 }
