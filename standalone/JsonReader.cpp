@@ -40,6 +40,9 @@ std::string oneLine(std::string errors) {
     return errors;
 }
 
+// How jsoncpp begins to say that a text is nested too deeply.
+constexpr const char* tooDeep = "Exceeded stackLimit";
+
 // For one thread at a time. The reader holds its settings, which cost more to make than a small text costs to read. All
 // threads share it: what is made for each has its end noted by the C library, which ends the program when there is no
 // memory to.
@@ -152,6 +155,9 @@ Json::Value readJson(std::string_view text) {
         }
     } catch (const Json::Exception& exception) {
         errors = exception.what();
+        if (errors.rfind(tooDeep, 0) != 0) {
+            throw;  // there was no memory for a value, which says nothing of the text
+        }
     }
     throw JsonError("not JSON: " + oneLine(errors));
 }

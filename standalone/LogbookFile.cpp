@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <system_error>
 #include <thread>
 
 namespace standalone {
@@ -157,31 +158,47 @@ void switchToWriteAheadLog(SQLite::Database& connection) {
     connection.exec(sql);
 }
 
-/// The file's name as it may stand in a URI.
-std::string escaped(std::string file) {
+/// The file's name as a URI, without a host even if it begins with two slashes.
+std::string uriOf(std::string file) {
     boost::algorithm::replace_all(file, "%", "%25");
     boost::algorithm::replace_all(file, "?", "%3f");
     boost::algorithm::replace_all(file, "#", "%23");
-    return file;
+    return (file.front() == '/' ? "file://" : "file:") + file;
+}
+
+bool exists(const std::string& file) {
+    std::error_code error;
+    const bool found = std::filesystem::exists(file, error);
+    if (error) {
+        throw DatabaseError(error.message());
+    }
+    return found;
 }
 
 bool holdsAnything(const std::string& file) {
+    std::error_code none;
+    if (!exists(file) || std::filesystem::file_size(file, none) == 0) {
+        return false;
+    }
     std::ifstream content(file, std::ios::binary);
     char first = 0;
-    return content.get(first) && first != 0;  // an emptied log starts with a zero
+    if (!content.get(first)) {
+        throw DatabaseError(file + " can't be read");
+    }
+    return first != 0;  // an emptied log starts with a zero
 }
 
 /// The index of the write-ahead log lies beside a logbook in use, and stays when it is closed; only read, it shows what
 /// the log holds. Without it the file is a copy, to be taken as it is.
 SQLite::Database connectForReading(const std::string& file) {
-    if (!std::filesystem::exists(file)) {
+    if (!exists(file)) {
         throw DatabaseError("there is no such logbook");
     }
-    const bool inUse = std::filesystem::exists(file + "-shm");
+    const bool inUse = exists(file + "-shm");
     if (!inUse && holdsAnything(file + "-wal")) {
         throw DatabaseError("its newest records are in " + file + "-wal, which can't be read without " + file + "-shm");
     }
-    return SQLite::Database("file:" + escaped(file) + (inUse ? "?readonly_shm=1" : "?immutable=1"),
+    return SQLite::Database(uriOf(file) + (inUse ? "?readonly_shm=1" : "?immutable=1"),
                             SQLite::OPEN_READONLY | SQLite::OPEN_URI, static_cast<int>(lockTimeout.count()));
 }
 

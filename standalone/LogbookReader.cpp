@@ -51,8 +51,13 @@ struct LogbookReader::Connection {
     Statement recordsAfter;
 };
 
-LogbookReader::LogbookReader(const std::filesystem::path& path)
-    : connection(std::make_unique<Connection>(path.string())) {}
+LogbookReader::LogbookReader(const std::filesystem::path& path) {
+    try {
+        connection = std::make_unique<Connection>(path.string());
+    } catch (const SQLite::Exception& exception) {
+        refuse(path.string(), exception);
+    }
+}
 
 LogbookReader::~LogbookReader() = default;
 

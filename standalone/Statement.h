@@ -27,7 +27,7 @@ public:
 
     /// @param text must last until the statement is reset
     void bind(int index, const std::string& text) {
-        check(sqlite3_bind_text(handle, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC), SQLITE_OK);
+        check(sqlite3_bind_text64(handle, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8), SQLITE_OK);
     }
 
     /// Whether there is a row. A statement left standing keeps a transaction open: to be reset.

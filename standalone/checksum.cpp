@@ -20,7 +20,7 @@ unsigned char* put(unsigned char* bytes, std::uint64_t word) {
 }
 
 uLong extended(uLong state, std::string_view text) {
-    return crc32_z(state, reinterpret_cast<const unsigned char*>(text.data()), text.size());
+    return text.empty() ? state : crc32_z(state, reinterpret_cast<const unsigned char*>(text.data()), text.size());
 }
 
 }  // namespace

@@ -60,9 +60,11 @@ protected:
         return files;
     }
 
-    std::string refusal() const {
+    std::string refusal() const { return refusalOf(file); }
+
+    static std::string refusalOf(const std::filesystem::path& path) {
         try {
-            const LogbookReader reader(file);
+            const LogbookReader reader(path);
             return "";
         } catch (const standalone::DatabaseError& error) {
             return error.what();
@@ -156,13 +158,8 @@ TEST_F(Reader, RefusesACopyThatLacksWhatItsNewestRecordsNeed) {
     std::filesystem::copy(folder.path(), elsewhere.path());
     const std::string copy = elsewhere / "lgbTest.db";
     std::filesystem::remove(copy + "-shm");
-    try {
-        const LogbookReader reader(copy);
-        FAIL();
-    } catch (const standalone::DatabaseError& error) {
-        EXPECT_EQ(error.what(),
-                  copy + ": its newest records are in " + copy + "-wal, which can't be read without " + copy + "-shm");
-    }
+    EXPECT_EQ(refusalOf(copy),
+              copy + ": its newest records are in " + copy + "-wal, which can't be read without " + copy + "-shm");
 }
 
 TEST_F(Reader, RefusesByNameWhatIsNoLogbook) {
@@ -171,6 +168,30 @@ TEST_F(Reader, RefusesByNameWhatIsNoLogbook) {
     EXPECT_EQ(refusal(), file.string() + ": an empty database, not a logbook");
     support::write(file, "Dear diary");
     EXPECT_EQ(refusal(), file.string() + ": file is not a database");
+}
+
+TEST_F(Reader, RefusesALogbookWhoseLogCanNotBeRead) {
+    addAndClose(1, 3);
+    std::filesystem::remove(file.string() + "-wal");
+    std::filesystem::remove(file.string() + "-shm");
+    std::filesystem::create_directory(file.string() + "-wal");
+    EXPECT_EQ(refusal(), file.string() + ": " + file.string() + "-wal can't be read");
+}
+
+TEST_F(Reader, RefusesATableThatIsAnother) {
+    addAndClose(1, 3);
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("ALTER TABLE record RENAME COLUMN seconds TO minutes");
+    EXPECT_EQ(refusal(), file.string() + ": no such column: seconds");
+}
+
+TEST_F(Reader, RefusesANameThatNoFileCanHave) {
+    const std::string longest(300, 'x');
+    EXPECT_EQ(refusalOf(longest), longest + ": File name too long");
+}
+
+TEST_F(Reader, ReadsAFolderWhoseNameBeginsWithTwoSlashes) {
+    addAndClose(1, 3);
+    EXPECT_EQ(LogbookReader('/' + file.string()).count(), 3);
 }
 
 TEST_F(Reader, NamesWhatIsDamagedInTheStructure) {

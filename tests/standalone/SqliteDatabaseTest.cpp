@@ -377,6 +377,12 @@ TEST_F(SqliteDatabase, RefusesAFileWithARecordThatWasCleared) {
     EXPECT_EQ(refusal(), file.string() + ": damaged: record 1 is there, but all up to 1 were cleared");
 }
 
+TEST_F(SqliteDatabase, KeepsTheSameCheckValueInEveryVersion) {
+    open()->add("{\"type\":\"E\"}", {1795284000, 123456789, "2026-11-21 18:00:00 +0000"});
+    SQLite::Database connection(file.string());
+    EXPECT_EQ(connection.execAndGet("SELECT checksum FROM record").getInt64(), 2205696939);
+}
+
 TEST_F(SqliteDatabase, RefusesAFileWhoseTableIsAnother) {
     addNumbers(*open(), 1, 5);
     execute("ALTER TABLE record RENAME COLUMN seconds TO minutes");
