@@ -326,7 +326,7 @@ mustache::data frequentOf(const Contents& contents) {
 
 /// How many entries there are, and from when to when as far as could be read.
 std::string extentText(const Contents& contents) {
-    const std::string number = fmt::format("{} {}", contents.number, contents.number == 1 ? "entry" : "entries");
+    std::string number = fmt::format("{} {}", contents.number, contents.number == 1 ? "entry" : "entries");
     if (contents.moments.empty()) {
         return number;
     }

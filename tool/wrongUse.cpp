@@ -109,7 +109,7 @@ bool isOf(const CLI::ParseError& error) {
 std::string explainWrongUse(const CLI::App& app, const CLI::ParseError& error) {
     const CLI::App& command = chosen(app);
     const std::vector<std::string> leftOver = app.remaining(true);
-    const std::string explained = leftOver.empty() ? "" : explainLeftOver(app, leftOver);
+    std::string explained = leftOver.empty() ? "" : explainLeftOver(app, leftOver);
     if (!explained.empty()) {
         return explained;
     }

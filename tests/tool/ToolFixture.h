@@ -69,7 +69,7 @@ protected:
 
     /// A minute of the evening, as a device in Berlin shows it.
     static lgb::timestamp::Timestamp minute(int past) {
-        return {evening + 60 * past, 0, fmt::format("2026-11-21 19:{:02}:00 +0100", past)};
+        return {evening + std::int64_t{60} * past, 0, fmt::format("2026-11-21 19:{:02}:00 +0100", past)};
     }
 
     /// Adds documents, one made each minute.
