@@ -5,7 +5,6 @@
 #include <nsa/zel/logging.h>
 #include <tqbase2/system/JsonUtility.h>
 
-#include <cstddef>
 #include <exception>
 #include <string>
 #include <utility>
@@ -38,11 +37,8 @@ void logUnreadable(const DatabaseRecord& record, const std::exception& exception
 }
 
 /// Appends the entry of a record, if it is to be shown.
-/// @param expected how many entries the page may come to
-void append(std::vector<Entry>& page, std::size_t expected, DatabaseRecord& record,
-            DescriptionCreator& descriptionCreator) {
+void append(std::vector<Entry>& page, DatabaseRecord& record, DescriptionCreator& descriptionCreator) {
     try {
-        page.reserve(expected);
         Entry entry;
         static_cast<LogbookEntry&>(entry) = LogbookEntryConverter::fromJsonToVal(JsonUtility::toJsonValue(record.json));
         if (descriptionCreator.create(entry)) {
@@ -86,7 +82,7 @@ std::vector<Entry> Logbook::fetch(unsigned int offset, unsigned int count) {
     std::vector<DatabaseRecord> records = database.fetch(offset, count);
     std::vector<Entry> page;
     for (DatabaseRecord& record : records) {
-        append(page, records.size(), record, *descriptionCreator);
+        append(page, record, *descriptionCreator);
     }
     return page;
 }

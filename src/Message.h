@@ -3,6 +3,7 @@
 #include "places.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -11,14 +12,17 @@ namespace lgb {
 class ParameterRecord;
 
 /// Whether the amplifier goes on with less, which is said of warnings alone.
-enum class Power { Full, Reduced };
+enum class Power : std::uint8_t { Full, Reduced };
 
 /// One message: its words as they are shown, with the names of places where the parameter record fills them in:
 /// "Connecting amplifier {module} on bus {bus} failed".
 struct Message {
-    unsigned int id;
+    constexpr Message(unsigned int number, const char* text, Power left = Power::Full)
+        : id(static_cast<std::uint16_t>(number)), power(left), words(text) {}
+
+    std::uint16_t id;
+    Power power;
     const char* words;
-    Power power = Power::Full;
 };
 
 /// The messages of one type, or those that two types share; ids ascending.

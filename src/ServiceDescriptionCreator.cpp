@@ -37,8 +37,7 @@ bool ServiceDescriptionCreator::create(tqbase2::nsa::zel::structs::LogbookEntry&
     }
     const std::string detail = serviceDetail(params);
     if (!detail.empty()) {
-        entry.description += ' ';
-        entry.description += detail;
+        entry.description.append(" ").append(detail);
     }
     return true;
 }

@@ -4,8 +4,7 @@
 #include <lgb/catalogue.h>
 #include <lgb/commontexts.h>
 
-#include <algorithm>
-#include <iterator>
+#include <limits>
 
 namespace lgb::catalogue {
 
@@ -13,32 +12,37 @@ using tqbase2::nsa::zel::enums::LogbookEntryType;
 
 namespace {
 
-std::vector<Place> placesOf(std::string_view words) {
-    std::vector<Place> found;
+void append(LogbookEntryType type, const lgb::Message& row, std::vector<Message>& all) {
+    Message& message = all.emplace_back();
+    message.type = type;
+    message.id = row.id;
+    message.words = row.words;
+    if (row.power == Power::Reduced) {
+        message.words += commontexts::Reduced(type);
+    }
+    std::string_view words = row.words;
     std::string_view before;
     while (const lgb::Place* const place = nextPlace(words, before)) {
-        found.push_back({std::string(place->name), place->key, place->holds});
+        message.places.push_back({place->name, place->key, place->holds});
     }
-    return found;
-}
-
-void append(LogbookEntryType type, const lgb::Message& row, std::vector<Message>& all) {
-    std::string words = row.words;
-    if (row.power == Power::Reduced) {
-        words += commontexts::Reduced(type);
-    }
-    all.push_back({type, row.id, words, placesOf(words)});
 }
 
 /// A type's own messages win over those it shares.
 void append(LogbookEntryType type, const MessageTable& own, std::vector<Message>& all) {
     const MessageTable shared = sharedMessages();
-    const auto idIsLess = [](const lgb::Message& left, const lgb::Message& right) { return left.id < right.id; };
-    std::vector<lgb::Message> rows;
-    std::set_union(own.begin(), own.end(), shared.begin(), shared.end(), std::back_inserter(rows), idIsLess);
-    for (const lgb::Message& row : rows) {
+    const lgb::Message* nextShared = shared.begin();
+    const auto appendSharedBelow = [&](unsigned int id) {
+        for (; nextShared != shared.end() && nextShared->id <= id; ++nextShared) {
+            if (nextShared->id < id) {
+                append(type, *nextShared, all);
+            }
+        }
+    };
+    for (const lgb::Message& row : own) {
+        appendSharedBelow(row.id);
         append(type, row, all);
     }
+    appendSharedBelow(std::numeric_limits<unsigned int>::max());
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ std::string codeOf(const Message& message) {
 std::string membersText(const Message& message) {
     std::string text;
     for (const Place& member : membersOf(message)) {
-        text += (text.empty() ? "" : "; ") + member.key + ": " + member.holds;
+        text += fmt::format("{}{}: {}", text.empty() ? "" : "; ", member.key, member.holds);
     }
     return text;
 }
@@ -90,7 +90,7 @@ void printJson(const std::vector<Message>& messages) {
         json["wording"] = wordingOf(message);
         json["parameters"] = Json::Value(Json::objectValue);
         for (const Place& member : membersOf(message)) {
-            json["parameters"][member.key] = member.holds;
+            json["parameters"][std::string(member.key)] = member.holds;
         }
         list.append(json);
     }

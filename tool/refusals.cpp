@@ -63,8 +63,9 @@ void requireReadable(const Json::Value& record) {
 void requireComplete(const lgb::catalogue::Message& message, const Json::Value& record, const std::string& name) {
     std::vector<std::string> missing;
     for (const Place& member : membersOf(message)) {
-        if (!record.isMember(member.key)) {
-            missing.push_back(optionFor(member.key) + " (" + member.holds + ')');
+        const std::string key(member.key);
+        if (!record.isMember(key)) {
+            missing.push_back(optionFor(key) + " (" + member.holds + ')');
         }
     }
     if (!missing.empty()) {
@@ -81,7 +82,7 @@ void requireMessage(const lgb::code::Code& code, const Parameters& parameters) {
     const lgb::catalogue::Message message = messageOf(code, "id", name);
     std::vector<std::string> known;
     for (const Place& member : membersOf(message)) {
-        known.push_back(member.key);
+        known.emplace_back(member.key);
     }
     known.emplace_back(serviceKey);
     const Json::Value record = recordOf(parameters);

@@ -5,16 +5,18 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The messages of this library as a list, for people: the same rows that entries are worded from.
 namespace lgb::catalogue {
 
-/// A place in the words of a message that a member of the parameter record fills in.
+/// A place in the words of a message that a member of the parameter record fills in. Its texts are the library's own
+/// and last as long as it is loaded.
 struct Place {
-    std::string name;   ///< as it stands in the words, between braces
-    std::string key;    ///< of the member
-    std::string holds;  ///< what the member holds: "number", "boolean", "text" or the words it may be
+    std::string_view name;  ///< as it stands in the words, between braces
+    std::string_view key;   ///< of the member
+    const char* holds;      ///< what the member holds: "number", "boolean", "text" or the words it may be
 };
 
 /// One message: what a code stands for.

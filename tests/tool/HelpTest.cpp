@@ -283,7 +283,7 @@ TEST_F(Help, KnowsAnOptionForEachParameterOfEachMessage) {
     std::set<std::string> known;
     for (const lgb::catalogue::Message& message : lgb::catalogue::messages()) {
         for (const lgb::catalogue::Place& place : message.places) {
-            if (known.insert(place.key).second) {
+            if (known.insert(std::string(place.key)).second) {
                 const std::string name =
                     types[static_cast<std::size_t>(message.type)] + ' ' + std::to_string(message.id);
                 EXPECT_THAT(wrongUse("add customer " + name), testing::StartsWith(name + " needs --"));

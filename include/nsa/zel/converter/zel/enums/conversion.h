@@ -28,22 +28,11 @@ inline Json::Value toJson(std::string_view text, const boost::source_location& l
     return Json::Value(text.data(), text.data() + text.size());
 }
 
-/// The text of a value, which one that is not a string is converted to.
-inline std::string_view textOf(const Json::Value& value, std::string& converted) {
-    const char* begin = nullptr;
-    const char* end = nullptr;
-    if (value.getString(&begin, &end)) {
-        return {begin, static_cast<std::size_t>(end - begin)};
-    }
-    return converted = value.asString();
-}
-
 /// The index of a spelling, 0 for null and the empty text. Compiled once for all enumerations.
 /// @throws system::LogicError, logged at level 4, for another text; Json::LogicError for an array or object
 inline std::size_t indexFromJson(const std::string_view* spellings, std::size_t count, const Json::Value& value,
                                  const boost::source_location& location) {
-    std::string converted;
-    const std::string_view text = textOf(value, converted);
+    const std::string text = value.asString();
     const auto* const end = spellings + count;
     const auto* const found = std::find(spellings, end, text);
     if (found != end) {
@@ -53,8 +42,7 @@ inline std::size_t indexFromJson(const std::string_view* spellings, std::size_t 
         return 0;
     }
     if (system::log::detail::isEnabled(logging::error, logging::channel)) {
-        system::log::detail::log(logging::error, logging::channel,
-                                 "No valid conversion to enum for value " + std::string(text));
+        system::log::detail::log(logging::error, logging::channel, "No valid conversion to enum for value " + text);
     }
     boost::throw_exception(system::LogicError(), location);
 }

@@ -23,12 +23,9 @@ inline void setMember(Json::Value& object, const char* key, Json::Value&& value)
 template <std::size_t Count>
 std::array<const Json::Value*, Count> members(const Json::Value& json,
                                               const std::array<std::string_view, Count>& keys) {
-    std::array<const Json::Value*, Count> found{};
-    if (!json.isObject()) {
-        found.fill(&json[""]);
-        return found;
-    }
-    found.fill(&Json::Value::nullSingleton());
+    const Json::Value& missing = json[""];
+    std::array<const Json::Value*, Count> found;
+    found.fill(&missing);
     std::size_t next = 0;
     const auto last = json.end();
     for (auto member = json.begin(); member != last; ++member) {
