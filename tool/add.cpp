@@ -18,7 +18,6 @@ namespace tool {
 
 namespace enums = tqbase2::nsa::zel::enums;
 using enums::Generation;
-using enums::LogbookEntryType;
 using tqbase2::nsa::zel::logbook::Entry;
 
 namespace {

@@ -33,7 +33,7 @@ protected:
     /// Records with the texts "1", "2" and so on, made a minute apart.
     static void add(lgb::IDatabase& database, int from, int to) {
         for (int number = from; number <= to; ++number) {
-            database.add(std::to_string(number), {number * 60, 0, ""});
+            database.add(std::to_string(number), {std::int64_t{60} * number, 0, ""});
         }
     }
 

@@ -1,10 +1,10 @@
 #include "ToolFixture.h"
 
 #include <json/reader.h>
-#include <signal.h>
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <ctime>
 #include <memory>
 #include <thread>
