@@ -15,7 +15,10 @@ std::string numberText(std::int64_t number) {
 
 std::string UnitDeviceDescriptionCreator::create(const tqbase2::nsa::zel::structs::LogbookEntry& entry) {
     const auto& [unit, device, params, generation] = entry.details;
-    return device < 0 && unit < 0 ? "" : createString(numberText(device), numberText(unit));
+    if (device < 0 && unit < 0) {
+        return "";
+    }
+    return createString(numberText(device), numberText(unit));
 }
 
 std::string getStr(bool valid, int value) {

@@ -176,16 +176,15 @@ bool exists(const std::string& file) {
 }
 
 bool holdsAnything(const std::string& file) {
-    std::error_code none;
-    if (!exists(file) || std::filesystem::file_size(file, none) == 0) {
+    if (!exists(file)) {
         return false;
     }
     std::ifstream content(file, std::ios::binary);
-    char first = 0;
-    if (!content.get(first)) {
+    const int first = content.get();
+    if (!content.is_open() || content.bad()) {
         throw DatabaseError(file + " can't be read");
     }
-    return first != 0;  // an emptied log starts with a zero
+    return first > 0;  // an emptied log starts with a zero
 }
 
 /// The index of the write-ahead log lies beside a logbook in use, and stays when it is closed; only read, it shows what

@@ -10,10 +10,12 @@ std::string selectRecords(const char* condition, const char* furtherColumns) {
 }
 
 StoredRecord storedRecord(const Statement& statement) {
-    StoredRecord record{statement.number(0),
-                        {{statement.number(1), statement.number(2), statement.text(3)}, statement.text(4)},
-                        false,
-                        {}};
+    StoredRecord record{};
+    record.number = statement.number(0);
+    record.content.timestamp.seconds = statement.number(1);
+    record.content.timestamp.nanoseconds = statement.number(2);
+    record.content.timestamp.text = statement.text(3);
+    record.content.json = statement.text(4);
     const auto& [seconds, nanoseconds, time] = record.content.timestamp;
     const NumberedRecord stored{record.number, seconds, nanoseconds, time, record.content.json};
     record.intact = checksum(stored) == statement.number(5);

@@ -20,6 +20,7 @@ using standalone::LogbookReader;
 using standalone::SqliteDatabaseFactory;
 using standalone::StoredRecord;
 using testing::ElementsAre;
+using testing::ThrowsMessage;
 
 constexpr std::int64_t newest = std::numeric_limits<std::int64_t>::max();
 
@@ -182,6 +183,16 @@ TEST_F(Reader, RefusesATableThatIsAnother) {
     addAndClose(1, 3);
     SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("ALTER TABLE record RENAME COLUMN seconds TO minutes");
     EXPECT_EQ(refusal(), file.string() + ": no such column: seconds");
+}
+
+TEST_F(Reader, NamesTheFileWhenItCanNotReadOn) {
+    const auto database = open();
+    add(*database, 1, 3);
+    LogbookReader reader(file);
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("DROP TABLE record");
+    const std::string refused = file.string() + ": no such table: record";
+    EXPECT_THAT([&] { reader.before(newest, 1); }, ThrowsMessage<standalone::DatabaseError>(refused));
+    EXPECT_THAT([&] { reader.count(); }, ThrowsMessage<standalone::DatabaseError>(refused));
 }
 
 TEST_F(Reader, RefusesANameThatNoFileCanHave) {
