@@ -4,6 +4,8 @@
 #include <standalone/SqliteDatabaseFactory.h>
 #include <standalone/errors.h>
 
+#include <sys/stat.h>
+
 #include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 
@@ -175,8 +177,12 @@ TEST_F(Reader, RefusesALogbookWhoseLogCanNotBeRead) {
     addAndClose(1, 3);
     std::filesystem::remove(file.string() + "-wal");
     std::filesystem::remove(file.string() + "-shm");
-    std::filesystem::create_directory(file.string() + "-wal");
-    EXPECT_EQ(refusal(), file.string() + ": " + file.string() + "-wal can't be read");
+    const std::string log = file.string() + "-wal";
+    std::filesystem::create_directory(log);
+    EXPECT_EQ(refusal(), file.string() + ": " + log + " can't be read");
+    std::filesystem::remove(log);
+    ASSERT_EQ(mknod(log.c_str(), S_IFSOCK | S_IRUSR, 0), 0);
+    EXPECT_EQ(refusal(), file.string() + ": " + log + " can't be read");
 }
 
 TEST_F(Reader, RefusesATableThatIsAnother) {

@@ -72,13 +72,13 @@ constexpr const char* time = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9:]{8}\\.[0-9]{3} ";
 
 TEST(Logger, WritesALineAMessageToStandardErrorFromLevel3On) {
     const std::string expected =
-        std::string(time) + "warning channel: third\\\\x0aline\n" + time + "error channel: fourth\n";
+        std::string(time) + "warning channel: third\\\\x0aline\\\\x7f\n" + time + "error channel: fourth\n";
     EXPECT_THAT(logAtLevel(""), testing::MatchesRegex(expected));
 }
 
 TEST(Logger, IsOffBelowTheLevelThatTheEnvironmentSets) {
     const std::string fourth = std::string(time) + "error channel: fourth\n";
-    const std::string third = std::string(time) + "warning channel: third\\\\x0aline\n";
+    const std::string third = std::string(time) + "warning channel: third\\\\x0aline\\\\x7f\n";
     const std::string second = std::string(time) + "info channel: second\n";
     const std::string first = std::string(time) + "trace channel: first\n";
     EXPECT_THAT(logAtLevel("4"), testing::MatchesRegex(fourth));

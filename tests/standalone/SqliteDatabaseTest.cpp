@@ -439,6 +439,13 @@ TEST_F(SqliteDatabaseOnAFullDisk, AddsOnceTheReaderWhoHeldUpTheLogIsGone) {
     EXPECT_EQ(stored(), countingDown(added + 100, 1));
 }
 
+TEST_F(SqliteDatabaseOnAFullDisk, AddsManyAtOnceOnceTheReaderWhoHeldUpTheLogIsGone) {
+    const int added = fillLog();
+    const std::string next = std::to_string(added + 1);
+    SqliteDatabaseFactory(folder.path()).addAll("lgbTest", 500, {{{}, next}});
+    EXPECT_EQ(stored(), countingDown(added + 1, 1));
+}
+
 TEST_F(SqliteDatabaseOnAFullDisk, ClearsOnceTheReaderWhoHeldUpTheLogIsGone) {
     fillLog();
     database->clear();

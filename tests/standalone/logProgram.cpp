@@ -5,7 +5,7 @@
 #include <string>
 
 int main() {
-    const std::string messages[] = {"first", "second", "third\nline", "fourth"};
+    const std::string messages[] = {"first", "second", "third\nline\x7f", "fourth"};
     unsigned int level = 0;
     for (const std::string& message : messages) {
         if (tqbase2::system::log::detail::isEnabled(++level, "channel")) {
