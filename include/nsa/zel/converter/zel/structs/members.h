@@ -10,7 +10,9 @@
 namespace tqbase2::nsa::zel::structs {
 
 /// Sets a member that the object doesn't have yet. Cheaper than to assign it.
+/// @param object an object, or null, which becomes one
 /// @param key must last as long as the object
+/// @param value holds null afterwards
 inline void setMember(Json::Value& object, const char* key, Json::Value&& value) {
     object[Json::StaticString(key)].swapPayload(value);
 }
