@@ -5,6 +5,11 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL Debug)
   add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,--gc-sections -Wl,--as-needed)
 endif()
 
+# A library names all that it calls; the functions of clang++'s sanitizers come with the program alone.
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  set(TQZEL_NOTHING_OPEN -Wl,--no-undefined)
+endif()
+
 # Small builds: both passes that are left out make this code larger.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   string(APPEND CMAKE_CXX_FLAGS_MINSIZEREL " -fno-ipa-sra -fno-gcse")

@@ -36,8 +36,8 @@ Json::Value textValue(const std::string& text) {
     return text;
 }
 
-constexpr Kind text{[](CLI::Option* option) { return option->type_name("TEXT"); }, textValue,
-                    [](const Json::Value& value) { return value.isString(); }, [] { return std::string("a text"); }};
+constexpr Kind anyText{[](CLI::Option* option) { return option->type_name("TEXT"); }, textValue,
+                       [](const Json::Value& value) { return value.isString(); }, [] { return std::string("a text"); }};
 
 constexpr Kind boolean{[](CLI::Option* option) {
                            return takeOneOf(option, {"true", "false"});
@@ -83,15 +83,15 @@ constexpr ParameterOption options[] = {
     {"--on",              "on",             boolean,                               "Whether it was to be on"},
     {"--ok",              "ok",             boolean,                               "Whether fan 0 is the working one"},
     {"--watt",            "watt",           boolean,                               "Whether power is shown in watt"},
-    {"--path",            "path",           text,                                  "Name of an RF path"},
-    {"--type",            "type",           text,                                  "Product type"},
-    {"--value",           "value",          text,                                  "A value as it is shown"},
-    {"--version",         "version",        text,                                  "Firmware version"},
+    {"--path",            "path",           anyText,                               "Name of an RF path"},
+    {"--type",            "type",           anyText,                               "Product type"},
+    {"--value",           "value",          anyText,                               "A value as it is shown"},
+    {"--version",         "version",        anyText,                               "Firmware version"},
     {"--operating-class", "operatingClass", wordOf<enums::operatingClassSpellings>,   "Operating class", "AB|step1..step8|A"},
     {"--output-mode",     "outputMode",     wordOf<enums::outputModeSpellings>,       "Output mode", "VSWR|increased1..increased9|Power"},
     {"--interlock-mode",  "interlockMode",  wordOf<enums::interlockModeSpellings>,    "Interlock mode"},
     {"--role",            "role",           wordOf<enums::systemConfigRoleSpellings>, "What is configured"},
-    {"--service",         "service",        text,                                  "Detail for the service logbook"},
+    {"--service",         "service",        anyText,                               "Detail for the service logbook"},
 };
 
 // clang-format on

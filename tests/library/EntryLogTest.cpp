@@ -1,3 +1,4 @@
+#include "Grouping.h"
 #include "LibraryTest.h"
 
 #include <lgb/Entry.h>
@@ -74,13 +75,6 @@ LogbookEntry full() {
 const char* const fullLongForm =
     R"(type: E - code: 282 - description: Fan failed - details: unit: 12 - device: 3 - params: {"ok":true} )"
     "- generation: Kestrel";
-
-/// Whoever inserts numbers by themselves gets "65 535" from a stream with this.
-class Grouping : public std::numpunct<char> {
-    char do_thousands_sep() const override { return ' '; }
-
-    std::string do_grouping() const override { return "\3"; }
-};
 
 TEST_F(EntryLongForm, NamesEveryField) {
     EXPECT_EQ(longForm(full()), fullLongForm);

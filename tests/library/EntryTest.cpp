@@ -1,3 +1,4 @@
+#include "Grouping.h"
 #include "LibraryTest.h"
 
 #include <lgb/Entry.h>
@@ -34,13 +35,6 @@ void expectWithoutUnitAndDevice(const LogbookEntry& entry) {
     EXPECT_EQ(entry.details.unit, -1);
     EXPECT_EQ(entry.details.device, -1);
 }
-
-/// Whoever inserts numbers by themselves gets "4 294 967 295" from a stream with this.
-class Grouping : public std::numpunct<char> {
-    char do_thousands_sep() const override { return ' '; }
-
-    std::string do_grouping() const override { return "\3"; }
-};
 
 TEST(LogbookEntry, StartsWithZerosAndEmptyTexts) {
     const LogbookEntry entry;

@@ -15,7 +15,6 @@
 #include <array>
 #include <exception>
 #include <filesystem>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -366,10 +365,5 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& exception) {
-        std::cerr << exception.what() << '\n';
-        return 1;
-    }
+    return support::outcomeOf(run, argc, argv);
 }

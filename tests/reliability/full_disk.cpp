@@ -101,9 +101,7 @@ private:
     std::uint64_t done = 0;
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     std::string disk;
     const support::Extent extent =
         support::extentOf(argc, argv, 200, {{"--folder", &disk, "on a small file system of its own"}});
@@ -139,4 +137,10 @@ int main(int argc, char** argv) {
     session.add(1000);
     session.expectNewest(500, 1000);
     return failures.conclude("full disk: " + std::to_string(session.operations()) + " operations");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return support::outcomeOf(run, argc, argv);
 }

@@ -403,10 +403,5 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& exception) {
-        std::cerr << exception.what() << '\n';
-        return 1;
-    }
+    return support::outcomeOf(run, argc, argv);
 }

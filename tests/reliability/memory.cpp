@@ -28,7 +28,6 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
-#include <iostream>
 #include <memory>
 #include <new>
 #include <string>
@@ -538,7 +537,8 @@ void refuseFirstUse(support::Failures& failures, const std::filesystem::path& lo
     }
 }
 
-int check(support::Extent extent) {
+int run(int argc, char** argv) {
+    const support::Extent extent = support::extentOf(argc, argv, 30);
     const support::TemporaryFolder folder;
     const std::filesystem::path logbooks = folder / "logbooks";
     setenv("TQZEL_LOGBOOK_DIR", logbooks.c_str(), 1);
@@ -564,10 +564,5 @@ int check(support::Extent extent) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return check(support::extentOf(argc, argv, 30));
-    } catch (const std::exception& exception) {
-        std::cerr << exception.what() << '\n';
-        return 1;
-    }
+    return support::outcomeOf(run, argc, argv);
 }

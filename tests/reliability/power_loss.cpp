@@ -17,7 +17,6 @@
 #include <exception>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -166,11 +165,12 @@ Figures losePowerAgainAndAgain(const support::Extent& extent, bool ignoresSyncs)
     constexpr std::array<std::uint32_t, 4> capacities = {0, 5, 40, 500};
     Random random(extent.seed);
     Figures figures;
-    std::optional<Life> life;
+    std::unique_ptr<Life> life;
     for (std::uint64_t round = 0; round < extent.rounds; ++round) {
         if (!life || oneIn(random, 8)) {
             life.reset();  // one at a time
-            life.emplace(capacities.at(static_cast<std::size_t>(upTo(random, 3))), ignoresSyncs, figures);
+            life =
+                std::make_unique<Life>(capacities.at(static_cast<std::size_t>(upTo(random, 3))), ignoresSyncs, figures);
         }
         const std::int64_t wrongBefore = figures.wrong();
         try {
@@ -211,10 +211,5 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& exception) {
-        std::cerr << exception.what() << '\n';
-        return 1;
-    }
+    return support::outcomeOf(run, argc, argv);
 }

@@ -20,8 +20,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
-#include <exception>
-#include <iostream>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -300,7 +298,8 @@ void configure(const support::Extent& extent) {
     setenv("RC_PARAMS", (settings + ' ' + (given != nullptr ? given : "")).c_str(), 1);
 }
 
-int check(const support::Extent& extent) {
+int run(int argc, char** argv) {
+    const support::Extent extent = support::extentOf(argc, argv, 100);
     configure(extent);
     support::Failures failures;
     for (const Property& property : properties) {
@@ -313,10 +312,5 @@ int check(const support::Extent& extent) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return check(support::extentOf(argc, argv, 100));
-    } catch (const std::exception& exception) {  // such as settings that RapidCheck can't read
-        std::cerr << exception.what() << '\n';
-        return 1;
-    }
+    return support::outcomeOf(run, argc, argv);
 }

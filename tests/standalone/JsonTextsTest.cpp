@@ -19,7 +19,7 @@ namespace {
 using support::Random;
 using tqbase2::system::JsonUtility;
 
-std::optional<Json::Value> read(const std::string& text) {
+std::optional<Json::Value> readText(const std::string& text) {
     try {
         return JsonUtility::toJsonValue(text);
     } catch (const tqbase2::system::Exception&) {
@@ -30,7 +30,7 @@ std::optional<Json::Value> read(const std::string& text) {
 /// A text that jsoncpp sees nothing in is null to the platform.
 void expectReadAsByJsoncpp(const std::string& text) {
     const bool blank = text.find_first_not_of(" \t\r\n") == std::string::npos;
-    EXPECT_EQ(read(text), blank ? Json::Value() : support::readByJsoncpp(text)) << text;
+    EXPECT_EQ(readText(text), blank ? Json::Value() : support::readByJsoncpp(text)) << text;
 }
 
 const std::string& oneOf(Random& random, const std::vector<std::string>& pieces) {

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdlib>
+#include <exception>
+#include <iostream>
 
 namespace support {
 
@@ -36,6 +38,15 @@ Extent extentOf(int argc, char** argv, std::uint64_t usual, std::initializer_lis
         std::exit(app.exit(error));
     }
     return extent;
+}
+
+int outcomeOf(int (*check)(int argc, char** argv), int argc, char** argv) noexcept {
+    try {
+        return check(argc, argv);
+    } catch (const std::exception& exception) {
+        std::cerr << exception.what() << '\n';
+        return 1;
+    }
 }
 
 }  // namespace support

@@ -25,6 +25,9 @@ struct Choice {
 /// @param usual rounds of the short form
 Extent extentOf(int argc, char** argv, std::uint64_t usual, std::initializer_list<Choice> choices = {});
 
+/// The exit code of a check; 1 when it throws, with what it says on standard error.
+int outcomeOf(int (*check)(int argc, char** argv), int argc, char** argv) noexcept;
+
 /// What went wrong; the first of it is told at the end, as standard error may be part of what is checked.
 class Failures {
 public:
