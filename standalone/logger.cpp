@@ -1,12 +1,9 @@
+#include "logLine.h"
 #include "printable.h"
 
 #include <tqbase2/system/log/detail.h>
 
-#include <spdlog/logger.h>
-#include <spdlog/sinks/stdout_sinks.h>
-
 #include <cstdlib>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -14,38 +11,20 @@ namespace tqbase2::system::log::detail {
 
 namespace {
 
-constexpr unsigned int lowestLevel = 1;
-constexpr unsigned int highestLevel = 4;
-constexpr unsigned int silence = highestLevel + 1;
-constexpr unsigned int defaultLevel = 3;
-
-// Index is the library's level.
-constexpr spdlog::level::level_enum spdlogLevels[] = {spdlog::level::trace, spdlog::level::trace, spdlog::level::info,
-                                                      spdlog::level::warn, spdlog::level::err};
-
-/// Never destroyed: others may log while the process ends.
-spdlog::logger& logger() {
-    static spdlog::logger* const logger = [] {
-        auto* const made = new spdlog::logger("stderr", std::make_shared<spdlog::sinks::stderr_sink_mt>());
-        made->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %v");
-        made->set_level(spdlog::level::trace);
-        return made;
-    }();
-    return *logger;
-}
+constexpr unsigned int warning = 3;
 
 unsigned int levelFromEnvironment() {
     const char* const value = std::getenv("TQZEL_LOG_LEVEL");
     if (value == nullptr || *value == '\0') {
-        return defaultLevel;
+        return warning;
     }
     const std::string_view text(value);
-    if (text.size() == 1 && text[0] >= '1' && text[0] <= '5') {
+    if (text.size() == 1 && text[0] >= '1' && text[0] <= '5') {  // from 5 on nothing is enabled
         return static_cast<unsigned int>(text[0] - '0');
     }
-    logger().warn("TQZEL_LOG_LEVEL is \"{}\", expected {} to {}; using {}", standalone::printable(text), lowestLevel,
-                  silence, defaultLevel);
-    return defaultLevel;
+    standalone::logLine(warning,
+                        "TQZEL_LOG_LEVEL is \"" + standalone::printable(text) + "\", expected 1 to 5; using 3");
+    return warning;
 }
 
 }  // namespace
@@ -56,8 +35,7 @@ bool isEnabled(unsigned int level, const char*) {
 }
 
 void log(unsigned int level, const char* channel, const std::string& message) {
-    logger().log(spdlogLevels[level < highestLevel ? level : highestLevel], "{}: {}", channel,
-                 standalone::printable(message));
+    standalone::logLine(level, std::string(channel) + ": " + standalone::printable(message));
 }
 
 }  // namespace tqbase2::system::log::detail
