@@ -122,9 +122,10 @@ void expectOtherGoesOn(const Logbooks& logbooks, const std::string& what, Failur
 }
 
 int run(int argc, char** argv) {
-    std::uint64_t step = 1;
+    std::uint64_t every = 1;
     const support::Extent extent =
-        support::extentOf(argc, argv, 200, {{"--every", &step, "damage only each n-th byte"}});
+        support::extentOf(argc, argv, 200, {{"--every", &every, "damage only each n-th byte"}});
+    const auto step = static_cast<std::size_t>(every);
     const Logbooks logbooks;
     Failures failures;
     Figures figures;
