@@ -12,7 +12,8 @@ bool confirmed(const std::string& logbook) {
     std::cout << "Remove all entries of the " << logbook << " logbook? [y/N] " << std::flush;
     std::string answer;
     if (!std::getline(std::cin, answer)) {
-        throw CLI::RequiredError("An answer, or --yes,");
+        std::cout << '\n';
+        throw CLI::RequiredError("an answer, or --yes,");
     }
     return answer == "y" || answer == "yes";
 }

@@ -15,15 +15,18 @@
 #include <boost/algorithm/hex.hpp>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -164,6 +167,15 @@ DatabaseRecord recordOf(const std::string& line, std::int64_t number) {
     }
 }
 
+/// How many entries a logbook holds, none when there is none.
+std::int64_t entriesIn(const Selection& selection) {
+    return std::filesystem::exists(fileOf(selection)) ? standalone::LogbookReader(fileOf(selection)).count() : 0;
+}
+
+std::string entries(std::int64_t number) {
+    return std::to_string(number) + (number == 1 ? " entry" : " entries");
+}
+
 /// Reads all lines; of the records the newest that the logbook can keep are added.
 void importFrom(std::istream& stream, const Selection& selection) {
     const std::uint32_t capacity = capacityOf(selection);
@@ -179,11 +191,16 @@ void importFrom(std::istream& stream, const Selection& selection) {
     if (stream.bad()) {
         throw std::runtime_error("can't read on behind line " + std::to_string(number) + "; nothing was imported");
     }
+    const std::int64_t before = entriesIn(selection);
     standalone::SqliteDatabaseFactory(folderOf(selection))
         .addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
-    std::cout << number << (number == 1 ? " entry" : " entries") << " imported";
+    std::cout << entries(number) << " imported";
     if (number > capacity) {
         std::cout << ", of which the newest " << capacity << " are kept";
+    }
+    const std::int64_t dropped = before + static_cast<std::int64_t>(newest.size()) - entriesIn(selection);
+    if (dropped > 0) {
+        std::cout << "; the oldest " << entries(dropped) << " of before made room";
     }
     std::cout << ".\n";
 }
@@ -204,9 +221,12 @@ void importFile(const Selection& selection, const std::string& file) {
         importFrom(std::cin, selection);
         return;
     }
+    if (std::filesystem::is_directory(file)) {
+        throw std::runtime_error(file + ": is a folder, not a file of entries");
+    }
     std::ifstream stream(file, std::ios::binary);
     if (!stream) {
-        throw std::runtime_error(file + ": can't be read");
+        throw std::runtime_error(file + ": can't be read: " + std::generic_category().message(errno));
     }
     importFrom(stream, selection);
 }

@@ -79,7 +79,11 @@ std::string padded(const std::string& text, std::size_t width) {
 /// Columns as wide as their widest text; the last one wraps within the terminal.
 class Table : public Listing {
 public:
-    explicit Table(const Look& wanted) : look(wanted) {}
+    explicit Table(const Look& wanted) : look(wanted) {
+        if (look.goesOn) {
+            makeRoomForAllTypes();
+        }
+    }
 
     void add(const ReadEntry& read) override {
         const Entry& entry = read.entry;
@@ -109,13 +113,21 @@ public:
     void end() override { flush(); }
 
 private:
+    static constexpr std::size_t typeColumn = 2;
+
     struct Row {
         std::array<std::string, 4> cells;
         fmt::text_style style;
     };
 
+    void makeRoomForAllTypes() {
+        for (const TypeLook& type : typeLooks) {
+            widths[typeColumn] = std::max(widths[typeColumn], widthOf(type.name));
+        }
+    }
+
     void write(const Row& row) const {
-        const std::string type = padded(row.cells[2], widths[2]);
+        const std::string type = padded(row.cells[typeColumn], widths[typeColumn]);
         std::cout << fmt::format("{:>{}}  {}  {}  ", row.cells[0], widths[0], padded(row.cells[1], widths[1]),
                                  look.coloured ? fmt::format(row.style, "{}", type) : type);
         const std::size_t indent = widths[0] + widths[1] + widths[2] + 6;

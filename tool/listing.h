@@ -15,6 +15,7 @@ struct Look {
     bool utc = false;       ///< times in UTC, else as they were when the entry was made
     bool coloured = false;  ///< types in colour
     std::size_t width = 0;  ///< columns of the terminal; 0: no limit
+    bool goesOn = false;    ///< whether entries of any type may follow those that are known
 };
 
 /// Writes entries to standard output.

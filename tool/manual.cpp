@@ -102,8 +102,8 @@ void printParagraphs(const Command& command) {
 
 void printExamples(const Command& command) {
     for (const Example& example : command.examples) {
-        std::cout << ".TP\n\\fB" << plain(std::string("tqzel-logbook ") + example.line) << "\\fP\n"
-                  << plain(example.purpose) << '\n';
+        std::cout << ".PP\n.nf\n\\fB" << plain(std::string("tqzel-logbook ") + example.line) << "\\fP\n.fi\n.RS\n"
+                  << plain(example.purpose) << "\n.RE\n";
     }
 }
 

@@ -62,10 +62,17 @@ std::string membersText(const Message& message) {
 }
 
 void printTable(const std::vector<Message>& messages) {
+    constexpr std::size_t indent = 6;
+    const std::size_t width = terminalWidth() > 2 * indent ? terminalWidth() - indent : 0;
+    const Pager pager(true);
     for (const Message& message : messages) {
         const std::string members = membersText(message);
-        std::cout << fmt::format("{:<4}  {}{}\n", codeOf(message), wordingOf(message),
-                                 members.empty() ? "" : "  [" + members + ']');
+        std::string start = fmt::format("{:<{}}", codeOf(message), indent);
+        for (const std::string& line :
+             wrapped(wordingOf(message) + (members.empty() ? "" : "  [" + members + ']'), width)) {
+            std::cout << start << line << '\n';
+            start.assign(indent, ' ');
+        }
     }
 }
 

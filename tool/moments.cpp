@@ -188,6 +188,10 @@ std::string localSecond(std::int64_t seconds) {
     return localFormatted(seconds, "%Y-%m-%d %H:%M:%S");
 }
 
+std::string localZonedMinute(std::int64_t seconds) {
+    return localFormatted(seconds, "%Y-%m-%d %H:%M %z");
+}
+
 std::int64_t secondsBetween(std::int64_t first, std::int64_t last) {
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max() - 1;
     return first < 0 && last > most + first ? most : last - first;

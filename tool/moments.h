@@ -33,6 +33,9 @@ std::string localMinute(std::int64_t seconds);
 /// "2026-11-21 19:02:11" in local time.
 std::string localSecond(std::int64_t seconds);
 
+/// "2026-11-21 19:02 +0100" in local time.
+std::string localZonedMinute(std::int64_t seconds);
+
 /// From one time to a later one, or as much of it as there is a number for: clocks and foreign files may say anything.
 std::int64_t secondsBetween(std::int64_t first, std::int64_t last);
 

@@ -1,6 +1,7 @@
 #include "output.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -29,19 +30,52 @@ void refuseLogbook(const Selection& selection, const std::string& file) {
     }
 }
 
+[[noreturn]] void refuseToWrite(const std::string& file) {
+    const int reason = errno;
+    throw std::runtime_error(file + ": can't be written" +
+                             (reason == 0 ? "" : ": " + std::generic_category().message(reason)));
+}
+
+using Writer = std::function<void(std::ostream&)>;
+
+void writeTo(const std::string& file, const std::string& shown, const Writer& write) {
+    errno = 0;
+    std::ofstream stream(file, std::ios::binary);
+    if (stream) {
+        write(stream);
+        stream.close();
+    }
+    if (!stream) {
+        refuseToWrite(shown);
+    }
+}
+
+/// What stood in the file before stays until all of the new is written.
+void replace(const std::string& file, const Writer& write) {
+    const std::string part = file + ".part";
+    try {
+        writeTo(part, file, write);
+        std::filesystem::rename(part, file);
+    } catch (const std::exception&) {
+        std::error_code none;
+        std::filesystem::remove(part, none);
+        throw;
+    }
+}
+
 }  // namespace
 
-void writeOutput(const Selection& selection, const std::string& file, const std::function<void(std::ostream&)>& write) {
+void writeOutput(const Selection& selection, const std::string& file, const Writer& write) {
     if (file.empty()) {
         write(std::cout);
         return;
     }
     refuseLogbook(selection, file);
-    std::ofstream stream(file, std::ios::binary);
-    write(stream);
-    stream.flush();
-    if (!stream) {
-        throw std::runtime_error(file + ": can't be written");
+    std::error_code none;
+    if (std::filesystem::exists(file, none) && !std::filesystem::is_regular_file(file, none)) {
+        writeTo(file, file, write);  // a device or a pipe
+    } else {
+        replace(std::filesystem::is_symlink(file, none) ? std::filesystem::canonical(file).string() : file, write);
     }
 }
 

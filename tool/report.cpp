@@ -333,7 +333,7 @@ std::string extentText(const Contents& contents) {
     const auto [first, last] =
         std::minmax_element(contents.moments.begin(), contents.moments.end(),
                             [](const Moment& one, const Moment& other) { return one.seconds < other.seconds; });
-    return fmt::format("{} from {} to {}", number, localMinute(first->seconds), localMinute(last->seconds));
+    return fmt::format("{} from {} to {}", number, localZonedMinute(first->seconds), localZonedMinute(last->seconds));
 }
 
 mustache::data dataOf(const Contents& contents) {

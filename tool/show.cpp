@@ -140,6 +140,7 @@ void show(const Selection& selection, Request request) {
     request.look.coloured = isColoured(request.colour);
     request.look.width = terminalWidth();
     if (request.follow) {
+        request.look.goesOn = true;
         follow(selection, request, *createListing(request.format, request.look));
     }
     tell(showInPager(reader, selection, request));  // not into the page that the pager shows

@@ -90,7 +90,7 @@ void print(const Statistics& statistics) {
         return;
     }
     const auto [first, last] = std::minmax_element(statistics.seconds.begin(), statistics.seconds.end());
-    std::cout << " from " << localMinute(*first) << " to " << localMinute(*last) << '\n';
+    std::cout << " from " << localZonedMinute(*first) << " to " << localZonedMinute(*last) << '\n';
     print("Types", statistics.types);
     print("Messages", statistics.messages, wordings());
     print("Units", statistics.units);
@@ -110,6 +110,7 @@ void stats(const Selection& selection, const Filter& filter) {
         }
         return true;
     });
+    const Pager pager(true);
     print(statistics);
 }
 

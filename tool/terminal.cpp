@@ -48,8 +48,18 @@ void forEachCharacter(std::string_view text, Consume consume) {
     }
 }
 
+struct Range {
+    utf8proc_int32_t first;
+    utf8proc_int32_t last;
+};
+
+// Line and paragraph separators, and what turns the direction of writing.
+constexpr Range disturbing[] = {{0x2028, 0x202e}, {0x2066, 0x2069}};
+
 bool isControl(const Character& character) {
-    return character.code < 0 || utf8proc_category(character.code) == UTF8PROC_CATEGORY_CC;
+    const auto isIn = [&](const Range& range) { return character.code >= range.first && character.code <= range.last; };
+    return character.code < 0 || utf8proc_category(character.code) == UTF8PROC_CATEGORY_CC ||
+           std::any_of(std::begin(disturbing), std::end(disturbing), isIn);
 }
 
 std::size_t widthOf(const Character& character) {
@@ -138,10 +148,11 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
 }
 
 Pager::Pager(bool wanted) {
-    const std::string command = environment("PAGER", usualPager);
-    if (!wanted || isatty(STDOUT_FILENO) == 0 || command.empty() || command == "cat") {
+    const std::string chosen = environment("PAGER", usualPager);
+    if (!wanted || isatty(STDOUT_FILENO) == 0 || chosen.empty() || chosen == "cat") {
         return;
     }
+    const std::string command = chosen + "\n[ $? -ne 127 ] || exec cat";  // what can't be started has read nothing
     setenv("LESS", "FRX", 0);  // a page that fits the screen is just shown; colours go through
     pipe = popen(command.c_str(), "w");
     std::signal(SIGPIPE, SIG_IGN);  // who has read enough ends the pager

@@ -14,8 +14,8 @@ std::size_t terminalWidth();
 /// Whether to colour standard output: a terminal without $NO_COLOR, unless "always" or "never" is asked for.
 bool isColoured(const std::string& when);
 
-/// A text as it may be shown: control characters would break its line or steer the terminal, so they and bytes that are
-/// no UTF-8 are shown as \x1b and the like.
+/// A text as it may be shown: control characters would break its line, steer the terminal or turn what follows around,
+/// so they and bytes that are no UTF-8 are shown as \x1b and the like.
 std::string printable(std::string_view text);
 
 /// The same text with U+FFFD for what is no UTF-8.

@@ -75,10 +75,14 @@ TEST_F(Exchange, KeepsTheNewestOfWhatIsTooMuch) {
         lines += fmt::format("{{\"entry\":\"{}\",\"nanoseconds\":0,\"seconds\":0,\"time\":\"\"}}\n", number);
     }
     EXPECT_EQ(imported(lines), "600 entries imported, of which the newest 500 are kept.\n");
+    EXPECT_EQ(imported(line), "1 entry imported; the oldest 1 entry of before made room.\n");
+    EXPECT_EQ(imported(lines),
+              "600 entries imported, of which the newest 500 are kept; the oldest 500 entries of before "
+              "made room.\n");
     const auto kept = records(customerFile());
     ASSERT_EQ(kept.size(), 500U);
-    EXPECT_EQ(kept.front(), "1 0 0 |101");
-    EXPECT_EQ(kept.back(), "500 0 0 |600");
+    EXPECT_EQ(kept.front(), "502 0 0 |101");
+    EXPECT_EQ(kept.back(), "1001 0 0 |600");
 }
 
 TEST_F(Exchange, RefusesABadLineByItsNumberAndImportsNothing) {
@@ -113,11 +117,14 @@ TEST_F(Exchange, RefusesABadLineByItsNumberAndImportsNothing) {
 
 TEST_F(Exchange, NamesAFileThatCanNotBeReadOrWritten) {
     storeEvening();
-    EXPECT_EQ(failure("import customer /nowhere/lines"), "tqzel-logbook: /nowhere/lines: can't be read\n");
+    EXPECT_EQ(failure("import customer /nowhere/lines"),
+              "tqzel-logbook: /nowhere/lines: can't be read: No such file or directory\n");
     EXPECT_EQ(failure("import customer " + elsewhere.path().string()),
-              "tqzel-logbook: can't read on behind line 0; nothing was imported\n");
-    EXPECT_EQ(failure("export customer --output /nowhere/lines"), "tqzel-logbook: /nowhere/lines: can't be written\n");
-    EXPECT_EQ(failure("export customer --output /dev/full"), "tqzel-logbook: /dev/full: can't be written\n");
+              "tqzel-logbook: " + elsewhere.path().string() + ": is a folder, not a file of entries\n");
+    EXPECT_EQ(failure("export customer --output /nowhere/lines"),
+              "tqzel-logbook: /nowhere/lines: can't be written: No such file or directory\n");
+    EXPECT_EQ(failure("export customer --output /dev/full"),
+              "tqzel-logbook: /dev/full: can't be written: No space left on device\n");
 }
 
 TEST_F(Exchange, TellsOfDamagedEntriesItLeavesOut) {
@@ -144,6 +151,21 @@ TEST_F(Exchange, SpoilsNeitherTheLogbookNorAnOlderExport) {
     EXPECT_EQ(failure("export service --output " + (elsewhere / "lines").string()),
               "tqzel-logbook: " + (folder / "lgbService.db").string() + ": there is no such logbook\n");
     EXPECT_EQ(support::contentOf(elsewhere / "lines"), line);
+}
+
+TEST_F(Exchange, LeavesAnOlderExportWhenThereIsNoRoomForANewOne) {
+    std::string lines;
+    for (int number = 1; number <= 100; ++number) {
+        lines += line;
+    }
+    imported(lines);
+    const std::string file = elsewhere / "lines";
+    support::write(file, line);
+    const std::string onSmallDisk = "ulimit -f 1; trap '' XFSZ; ";
+    EXPECT_EQ(error(support::run(onSmallDisk + command("export customer --output " + file)), 1),
+              "tqzel-logbook: " + file + ": can't be written: File too large\n");
+    EXPECT_EQ(support::contentOf(file), line);
+    EXPECT_FALSE(std::filesystem::exists(file + ".part"));
 }
 
 }  // namespace

@@ -119,7 +119,8 @@ TEST_F(Report, OverwritesItsFile) {
 
 TEST_F(Report, FailsWhenItsFileCanNotBeWritten) {
     add("customer info 20");
-    EXPECT_EQ(tool("report --output /proc/report.html").errors, "tqzel-logbook: /proc/report.html: can't be written\n");
+    EXPECT_EQ(tool("report --output /proc/report.html").errors,
+              "tqzel-logbook: /proc/report.html: can't be written: No such file or directory\n");
     EXPECT_EQ(tool("report --output /dev/full").exitCode, 1);
 }
 

@@ -338,6 +338,11 @@ TEST_F(Show, GoesThroughThePagerOnATerminal) {
     EXPECT_EQ(onTerminal("show customer --type info --no-pager", "NO_COLOR=1 PAGER=false"), expected);
 }
 
+TEST_F(Show, ShowsAllWithoutAPagerThatCanNotBeStarted) {
+    store("lgbCustomer", std::vector<std::string>{document("I", 20, "")});
+    EXPECT_THAT(onTerminal("show customer", "NO_COLOR=1 PAGER=nonexistent"), HasSubstr("System restarted."));
+}
+
 TEST_F(Show, BearsAPagerThatIsLeftEarly) {
     store("lgbCustomer", std::vector<lgb::DatabaseRecord>(3000, {minute(0), document("I", 20, "")}));
     EXPECT_EQ(onTerminal("show customer --all", "NO_COLOR=1 PAGER='head -n 1'"),
@@ -384,13 +389,13 @@ private:
 TEST_F(Show, FollowsWhatOthersAdd) {
     storeEvening();
     std::string expected =
-        "No.  Time                       Type  Description\n"
-        "  2  2026-11-21 19:01:00 +0100  Info  System restarted.\n";
+        "No.  Time                       Type     Description\n"
+        "  2  2026-11-21 19:01:00 +0100  Info     System restarted.\n";
     const Follower follower(command("show customer --follow --type info"));
     EXPECT_EQ(follower.printed(expected.size()), expected);
 
     store("lgbCustomer", std::vector<std::string>{document("E", 79, ""), document("I", 229, "")});
-    expected += "  5  2026-11-21 19:01:00 +0100  Info  RF was turned on.\n";
+    expected += "  5  2026-11-21 19:01:00 +0100  Info     RF was turned on.\n";
     EXPECT_EQ(follower.printed(expected.size()), expected);
 }
 

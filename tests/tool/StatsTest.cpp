@@ -8,7 +8,7 @@ TEST_F(Stats, CountsWhatALogbookHolds) {
     const std::string failure = document("E", 14, R"({"bus":1,"module":3})");
     store("lgbCustomer", std::vector<std::string>{failure, document("I", 20, "", 2, 4), failure, freeText("x"), "{"});
     EXPECT_EQ(output("stats customer", "TZ=Europe/Berlin"),
-              "5 entries from 2026-11-21 19:00 to 2026-11-21 19:04\n"
+              "5 entries from 2026-11-21 19:00 +0100 to 2026-11-21 19:04 +0100\n"
               "\n"
               "Types\n"
               "       2  error\n"
@@ -50,7 +50,7 @@ TEST_F(Stats, CountsWhatALogbookHolds) {
 TEST_F(Stats, CountsWhatAFilterLeaves) {
     storeEvening();
     EXPECT_EQ(output("stats customer --type warning", "TZ=Europe/Berlin"),
-              "1 entry from 2026-11-21 19:02 to 2026-11-21 19:02\n"
+              "1 entry from 2026-11-21 19:02 +0100 to 2026-11-21 19:02 +0100\n"
               "\n"
               "Types\n"
               "       1  warning\n"

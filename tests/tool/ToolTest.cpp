@@ -165,7 +165,7 @@ TEST_F(Tool, AsksBeforeItClears) {
 
     const Outcome nobody = support::run(tool + " clear customer </dev/null");
     EXPECT_EQ(nobody.exitCode, 2);
-    EXPECT_EQ(nobody.errors, "tqzel-logbook: An answer, or --yes, is required\n");
+    EXPECT_EQ(nobody.errors, "tqzel-logbook: an answer, or --yes, is required\n");
     EXPECT_NE(shown("customer"), "No.  Time  Type  Description\n");
 
     EXPECT_EQ(support::run("echo y | " + tool + " clear customer").exitCode, 0);
