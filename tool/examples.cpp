@@ -22,6 +22,7 @@ constexpr Example examples[] = {
     {"stats", "stats service --unit 1 --since \"30 days ago\"",          "The last month of one unit."},
 
     {"report", "report --output report.html",                            "For a colleague, who needs nothing but a browser."},
+    {"report", "report --folder copied --title \"Device 7\" >7.html",       "Of copied files, with the device's name."},
 
     {"check", "check",                                                   "Both logbooks."},
     {"check", "check service --folder copied",                           "One of them, copied from a device."},

@@ -176,12 +176,24 @@ std::string entries(std::int64_t number) {
     return std::to_string(number) + (number == 1 ? " entry" : " entries");
 }
 
+/// Some programs begin a text with U+FEFF.
+void skipByteOrderMark(std::istream& stream) {
+    const std::string mark = "\xef\xbb\xbf";
+    for (const char byte : mark) {
+        if (stream.peek() != std::char_traits<char>::to_int_type(byte)) {
+            return;
+        }
+        stream.get();
+    }
+}
+
 /// Reads all lines; of the records the newest that the logbook can keep are added.
 void importFrom(std::istream& stream, const Selection& selection) {
     const std::uint32_t capacity = capacityOf(selection);
     Progress progress(0);
     std::deque<DatabaseRecord> newest;
     std::int64_t number = 0;
+    skipByteOrderMark(stream);
     for (std::string line; std::getline(stream, line); progress.advance(1)) {
         newest.push_back(recordOf(line, ++number));
         if (newest.size() > capacity) {

@@ -13,14 +13,20 @@ namespace tool {
 
 namespace {
 
-constexpr std::size_t lineWidth = 100;
 constexpr std::size_t descriptionColumn = 30;
+
+std::size_t lineWidth() {
+    constexpr std::size_t least = 60;
+    constexpr std::size_t most = 100;
+    const std::size_t width = terminalWidth();
+    return width == 0 ? most : std::clamp(width, least, most);
+}
 
 /// What is described on the left, its description on the right, on a line of its own when the left is too long.
 std::string row(const std::string& left, const std::string& right) {
     std::string text = "  " + left;
     bool onNewLine = text.size() + 2 > descriptionColumn;
-    for (const std::string& line : wrapped(right, lineWidth - descriptionColumn)) {
+    for (const std::string& line : wrapped(right, lineWidth() - descriptionColumn)) {
         text +=
             onNewLine ? '\n' + std::string(descriptionColumn, ' ') : std::string(descriptionColumn - text.size(), ' ');
         text += line;

@@ -309,11 +309,15 @@ mustache::data chartOf(const Contents& contents) {
     return chart;
 }
 
-mustache::data frequentOf(const Contents& contents) {
+/// The most frequent messages and, when there are more, how many they are of how many.
+void setFrequent(mustache::data& logbook, const Contents& contents) {
     constexpr std::size_t most = 8;
     mustache::data list(mustache::data::type::list);
     auto messages = ranked(contents.messages);
-    messages.resize(std::min(messages.size(), most), {});
+    if (messages.size() > most) {
+        logbook.set("frequentExtent", fmt::format(", {} of {}", most, messages.size()));
+        messages.resize(most, {});
+    }
     for (const auto& [message, count] : messages) {
         mustache::data item("count", std::to_string(count));
         item.set("type", classOf(message.type));
@@ -321,7 +325,8 @@ mustache::data frequentOf(const Contents& contents) {
         item.set("wording", message.words);
         list << item;
     }
-    return list;
+    logbook.set("hasFrequent", true);
+    logbook.set("frequent", list);
 }
 
 /// How many entries there are, and from when to when as far as could be read.
@@ -351,8 +356,7 @@ mustache::data dataOf(const Contents& contents) {
     }
     if (!contents.moments.empty()) {
         logbook.set("chart", chartOf(contents));
-        logbook.set("hasFrequent", true);
-        logbook.set("frequent", frequentOf(contents));
+        setFrequent(logbook, contents);
     }
     return logbook;
 }

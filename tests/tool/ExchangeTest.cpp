@@ -69,6 +69,11 @@ TEST_F(Exchange, AddsBehindWhatIsThere) {
     EXPECT_EQ(records(customerFile()).size(), 4U);
 }
 
+TEST_F(Exchange, SkipsAByteOrderMark) {
+    EXPECT_EQ(imported("\xef\xbb\xbf" + std::string(line)), "1 entry imported.\n");
+    EXPECT_EQ(records(customerFile()).back(), "1 60 7 noon|{}");
+}
+
 TEST_F(Exchange, KeepsTheNewestOfWhatIsTooMuch) {
     std::string lines;
     for (int number = 1; number <= 600; ++number) {

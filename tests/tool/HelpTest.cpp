@@ -1,8 +1,6 @@
-#include "run.h"
+#include "ToolFixture.h"
 
 #include <lgb/catalogue.h>
-
-#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -25,12 +23,8 @@ std::vector<std::string> linesOf(const std::string& text) {
 }
 
 /// The tool with a folder of its own, which is empty.
-class Help : public testing::Test {
+class Help : public ToolFixture {
 protected:
-    Outcome tool(const std::string& arguments) const {
-        return support::run("TQZEL_LOGBOOK_DIR='" + folder.path().string() + "' " + TQZEL_TOOL + ' ' + arguments);
-    }
-
     std::string help(const std::string& command) const {
         const Outcome outcome = tool(command + " --help");
         EXPECT_EQ(outcome.exitCode, 0) << command;
@@ -39,7 +33,7 @@ protected:
     }
 
     /// The sentence that answers wrong use, and that nothing else came of it.
-    std::string wrongUse(const std::string& arguments) const {
+    std::string refusal(const std::string& arguments) const {
         const Outcome outcome = tool(arguments);
         EXPECT_EQ(outcome.exitCode, 2) << arguments;
         EXPECT_EQ(outcome.output, "") << arguments;
@@ -61,9 +55,8 @@ protected:
         return outcome.output;
     }
 
-    const std::vector<std::string> commands{"show",   "stats",  "check",    "add",    "clear",
-                                            "export", "import", "messages", "explain"};
-    support::TemporaryFolder folder;
+    const std::vector<std::string> commands{"show",  "stats",  "report", "check",    "add",
+                                            "clear", "export", "import", "messages", "explain"};
 };
 
 TEST_F(Help, TellsEveryCommandInOneLine) {
@@ -149,6 +142,15 @@ protected:
     }
 };
 
+TEST_F(Help, KeepsToTheTerminal) {
+    const std::string shown = onTerminal("stats --help", "");
+    EXPECT_THAT(shown, testing::HasSubstr("  --grep PATTERN              Only with this regular expression in the\n"
+                                          "                              description, in upper or lower case\n"));
+    for (const std::string& line : linesOf(shown)) {
+        EXPECT_LE(line.size(), 80U) << line;
+    }
+}
+
 TEST_F(Examples, AreTwoToFourForACommand) {
     for (const std::string& command : commands) {
         EXPECT_THAT(examplesOf(command).size(), testing::AllOf(testing::Ge(2U), testing::Le(4U))) << command;
@@ -172,109 +174,109 @@ TEST_F(Examples, Work) {
 }
 
 TEST_F(Help, NamesTheCommandThatIsMissingOrMistyped) {
-    EXPECT_EQ(wrongUse(""), "a command is missing (see tqzel-logbook --help)");
-    EXPECT_EQ(wrongUse("shwo"), "there is no command \"shwo\"; did you mean \"show\"? (see tqzel-logbook --help)");
-    EXPECT_EQ(wrongUse("shwo customer --count 3"), wrongUse("shwo"));
-    EXPECT_EQ(wrongUse("SHOW customer"),
+    EXPECT_EQ(refusal(""), "a command is missing (see tqzel-logbook --help)");
+    EXPECT_EQ(refusal("shwo"), "there is no command \"shwo\"; did you mean \"show\"? (see tqzel-logbook --help)");
+    EXPECT_EQ(refusal("shwo customer --count 3"), refusal("shwo"));
+    EXPECT_EQ(refusal("SHOW customer"),
               "there is no command \"SHOW\"; did you mean \"show\"? (see tqzel-logbook --help)");
-    EXPECT_EQ(wrongUse("delete"), "there is no command \"delete\" (see tqzel-logbook --help)");
-    EXPECT_EQ(wrongUse("''"), "there is no command \"\" (see tqzel-logbook --help)");
-    EXPECT_EQ(wrongUse("\"$(printf 'two\\nlines')\""),
+    EXPECT_EQ(refusal("delete"), "there is no command \"delete\" (see tqzel-logbook --help)");
+    EXPECT_EQ(refusal("''"), "there is no command \"\" (see tqzel-logbook --help)");
+    EXPECT_EQ(refusal("\"$(printf 'two\\nlines')\""),
               "there is no command \"two\\x0alines\" (see tqzel-logbook --help)");
 }
 
 TEST_F(Help, NamesTheOptionThatIsMistyped) {
-    EXPECT_EQ(wrongUse("show customer --cuont 3"),
+    EXPECT_EQ(refusal("show customer --cuont 3"),
               "there is no option \"--cuont\"; did you mean \"--count\"? (see tqzel-logbook show --help)");
-    EXPECT_EQ(wrongUse("show --cuont=3 customer"), wrongUse("show customer --cuont 3"));
-    EXPECT_EQ(wrongUse("show --cuont 3 customer"), wrongUse("show customer --cuont 3"));
-    EXPECT_EQ(wrongUse("show customer --foldr here"),
+    EXPECT_EQ(refusal("show --cuont=3 customer"), refusal("show customer --cuont 3"));
+    EXPECT_EQ(refusal("show --cuont 3 customer"), refusal("show customer --cuont 3"));
+    EXPECT_EQ(refusal("show customer --foldr here"),
               "there is no option \"--foldr\"; did you mean \"--folder\"? (see tqzel-logbook show --help)");
-    EXPECT_EQ(wrongUse("show customer --everything"),
+    EXPECT_EQ(refusal("show customer --everything"),
               "there is no option \"--everything\" (see tqzel-logbook show --help)");
-    EXPECT_EQ(wrongUse("-x"), "there is no option \"-x\" (see tqzel-logbook --help)");
-    EXPECT_EQ(wrongUse("--count 3 show customer"), "--count belongs behind the command show");
+    EXPECT_EQ(refusal("-x"), "there is no option \"-x\" (see tqzel-logbook --help)");
+    EXPECT_EQ(refusal("--count 3 show customer"), "--count belongs behind the command show");
 }
 
 TEST_F(Help, NamesWhatIsMissingOrTooMuch) {
-    EXPECT_EQ(wrongUse("show"), "logbook is missing, expected customer|service (see tqzel-logbook show --help)");
-    EXPECT_EQ(wrongUse("add customer"), "type is missing, expected info|warning|error (see tqzel-logbook add --help)");
-    EXPECT_EQ(wrongUse("add customer error"), "id or --text is missing; tqzel-logbook messages lists the ids");
-    EXPECT_EQ(wrongUse("show customer now"),
+    EXPECT_EQ(refusal("show"), "logbook is missing, expected customer|service (see tqzel-logbook show --help)");
+    EXPECT_EQ(refusal("add customer"), "type is missing, expected info|warning|error (see tqzel-logbook add --help)");
+    EXPECT_EQ(refusal("add customer error"), "id or --text is missing; tqzel-logbook messages lists the ids");
+    EXPECT_EQ(refusal("show customer now"),
               "\"now\" is more than tqzel-logbook show takes (see tqzel-logbook show --help)");
-    EXPECT_EQ(wrongUse("show customer --count"), "--count needs a value, expected NUMBER");
-    EXPECT_EQ(wrongUse("--folder"), "--folder needs a value, expected FOLDER");
-    EXPECT_EQ(wrongUse("show customer --count 1 --count 2"), "--count is given more than once");
-    EXPECT_EQ(wrongUse("show customer --all=maybe"), "--all = maybe, but a flag takes no value");
-    EXPECT_EQ(wrongUse("show customer --all --count 2"), "--count and --all can't be given together");
+    EXPECT_EQ(refusal("show customer --count"), "--count needs a value, expected NUMBER");
+    EXPECT_EQ(refusal("--folder"), "--folder needs a value, expected FOLDER");
+    EXPECT_EQ(refusal("show customer --count 1 --count 2"), "--count is given more than once");
+    EXPECT_EQ(refusal("show customer --all=maybe"), "--all = maybe, but a flag takes no value");
+    EXPECT_EQ(refusal("show customer --all --count 2"), "--count and --all can't be given together");
 }
 
 TEST_F(Help, NamesTheWordsThatAChoiceHas) {
-    EXPECT_EQ(wrongUse("show custmer"),
+    EXPECT_EQ(refusal("show custmer"),
               "logbook: \"custmer\" is not one of customer, service; did you mean \"customer\"?");
-    EXPECT_EQ(wrongUse("show customer --format jso"),
+    EXPECT_EQ(refusal("show customer --format jso"),
               "--format: \"jso\" is not one of table, json, jsonl, csv; did you mean \"json\"?");
-    EXPECT_EQ(wrongUse("show customer --type error,warnin"),
+    EXPECT_EQ(refusal("show customer --type error,warnin"),
               "--type: \"warnin\" is not one of info, warning, error; did you mean \"warning\"?");
-    EXPECT_EQ(wrongUse("show customer --color ''"), "--color: \"\" is not one of auto, always, never");
-    EXPECT_EQ(wrongUse("add customer eror 14"),
+    EXPECT_EQ(refusal("show customer --color ''"), "--color: \"\" is not one of auto, always, never");
+    EXPECT_EQ(refusal("add customer eror 14"),
               "type: \"eror\" is not one of info, warning, error; did you mean \"error\"?");
-    EXPECT_EQ(wrongUse("completion powershell"), "shell: \"powershell\" is not one of bash, zsh");
+    EXPECT_EQ(refusal("completion powershell"), "shell: \"powershell\" is not one of bash, zsh");
 }
 
 TEST_F(Help, TakesOneValueForEachNameOfAnOption) {
-    EXPECT_EQ(wrongUse("show --type error nobody"), "logbook: \"nobody\" is not one of customer, service");
+    EXPECT_EQ(refusal("show --type error nobody"), "logbook: \"nobody\" is not one of customer, service");
 }
 
 TEST_F(Help, NamesTheParametersThatAMessageLacks) {
-    EXPECT_EQ(wrongUse("add customer error 14"),
+    EXPECT_EQ(refusal("add customer error 14"),
               "error 14 needs --bus (number) and --module (number): "
               "Setting attenuation failed for amplifier {module} on bus {bus}!");
-    EXPECT_EQ(wrongUse("add customer error 14 --params '{\"bus\":1}'"),
+    EXPECT_EQ(refusal("add customer error 14 --params '{\"bus\":1}'"),
               "error 14 needs --module (number): Setting attenuation failed for amplifier {module} on bus {bus}!");
-    EXPECT_EQ(wrongUse("add customer info 127"),
+    EXPECT_EQ(refusal("add customer info 127"),
               "info 127 needs --interlock-mode (interactive, automatic): Interlock 1 ({interlockMode}) was opened.");
 }
 
 TEST_F(Help, NamesTheParametersThatAMessageDoesNotRead) {
-    EXPECT_EQ(wrongUse("add customer error 14 --bus 1 --module 3 --group 2"),
+    EXPECT_EQ(refusal("add customer error 14 --bus 1 --module 3 --group 2"),
               "--group: error 14 does not read \"group\", only \"module\", \"bus\" and \"service\"");
-    EXPECT_EQ(wrongUse("add customer error 14 --params '{\"bus\":1,\"modul\":3}'"),
+    EXPECT_EQ(refusal("add customer error 14 --params '{\"bus\":1,\"modul\":3}'"),
               "--params: error 14 does not read \"modul\", only \"module\", \"bus\" and \"service\"; did you mean "
               "\"module\"?");
-    EXPECT_EQ(wrongUse("add customer info 20 --bus 1"), "--bus: info 20 does not read \"bus\", only \"service\"");
+    EXPECT_EQ(refusal("add customer info 20 --bus 1"), "--bus: info 20 does not read \"bus\", only \"service\"");
 }
 
 TEST_F(Help, NamesWhatAParameterMustBe) {
-    EXPECT_EQ(wrongUse("add customer error 14 --params '{\"bus\":\"x\",\"module\":3}'"),
+    EXPECT_EQ(refusal("add customer error 14 --params '{\"bus\":\"x\",\"module\":3}'"),
               "--params: \"bus\" is \"x\", expected a number from 0 to 4294967295");
-    EXPECT_EQ(wrongUse("add customer error 14 --params '{\"bus\":true,\"module\":3}'"),
+    EXPECT_EQ(refusal("add customer error 14 --params '{\"bus\":true,\"module\":3}'"),
               "--params: \"bus\" is true, expected a number from 0 to 4294967295");
-    EXPECT_EQ(wrongUse("add customer info 236 --params '{\"group\":-1}'"),
+    EXPECT_EQ(refusal("add customer info 236 --params '{\"group\":-1}'"),
               "--params: \"group\" is -1, expected a number from 0 to 2147483647");
-    EXPECT_EQ(wrongUse("add customer error 265 --params '{\"on\":\"yes\"}'"),
+    EXPECT_EQ(refusal("add customer error 265 --params '{\"on\":\"yes\"}'"),
               "--params: \"on\" is \"yes\", expected true or false");
-    EXPECT_EQ(wrongUse("add customer error 259 --params '{\"version\":1.2}'"),
+    EXPECT_EQ(refusal("add customer error 259 --params '{\"version\":1.2}'"),
               "--params: \"version\" is 1.2, expected a text");
-    EXPECT_EQ(wrongUse("add service info 20 --params '{\"service\":[]}'"),
+    EXPECT_EQ(refusal("add service info 20 --params '{\"service\":[]}'"),
               "--params: \"service\" is [], expected a text");
-    EXPECT_EQ(wrongUse("add customer info 127 --params '{\"interlockMode\":\"Automatic\"}'"),
+    EXPECT_EQ(refusal("add customer info 127 --params '{\"interlockMode\":\"Automatic\"}'"),
               "--params: \"interlockMode\" is \"Automatic\", expected one of interactive, automatic");
 }
 
 TEST_F(Help, NamesWhatAnEntryOfTheFirstGenerationNeeds) {
     const std::string add = "add customer info 20 --generation Kestrel ";
-    EXPECT_EQ(wrongUse(add), "--params: \"typeProduct\" is missing, expected one of Osprey, Plover, Wren, Kestrel");
-    EXPECT_EQ(wrongUse(add + "--params '{\"typeProduct\":\"Wrem\",\"text\":\"x\"}'"),
+    EXPECT_EQ(refusal(add), "--params: \"typeProduct\" is missing, expected one of Osprey, Plover, Wren, Kestrel");
+    EXPECT_EQ(refusal(add + "--params '{\"typeProduct\":\"Wrem\",\"text\":\"x\"}'"),
               "--params: \"typeProduct\" is \"Wrem\", expected one of Osprey, Plover, Wren, Kestrel; did you mean "
               "\"Wren\"?");
-    EXPECT_EQ(wrongUse(add + "--params '{\"typeProduct\":3,\"text\":\"x\"}'"),
+    EXPECT_EQ(refusal(add + "--params '{\"typeProduct\":3,\"text\":\"x\"}'"),
               "--params: \"typeProduct\" is 3, expected one of Osprey, Plover, Wren, Kestrel");
-    EXPECT_EQ(wrongUse(add + "--params '{\"typeProduct\":\"Wren\"}'"),
+    EXPECT_EQ(refusal(add + "--params '{\"typeProduct\":\"Wren\"}'"),
               "--params: \"text\" is missing, expected a text that is not empty");
-    EXPECT_EQ(wrongUse(add + "--params '{\"typeProduct\":\"Wren\",\"text\":\"\"}'"),
+    EXPECT_EQ(refusal(add + "--params '{\"typeProduct\":\"Wren\",\"text\":\"\"}'"),
               "--params: \"text\" is \"\", expected a text that is not empty");
-    EXPECT_EQ(wrongUse(add + "--service x --params '{\"typeProduct\":\"Wren\",\"text\":\"x\"}'"),
+    EXPECT_EQ(refusal(add + "--service x --params '{\"typeProduct\":\"Wren\",\"text\":\"x\"}'"),
               "--service: an entry of generation Kestrel does not read \"service\", only \"typeProduct\" and \"text\"");
 }
 
@@ -286,7 +288,7 @@ TEST_F(Help, KnowsAnOptionForEachParameterOfEachMessage) {
             if (known.insert(std::string(place.key)).second) {
                 const std::string name =
                     types[static_cast<std::size_t>(message.type)] + ' ' + std::to_string(message.id);
-                EXPECT_THAT(wrongUse("add customer " + name), testing::StartsWith(name + " needs --"));
+                EXPECT_THAT(refusal("add customer " + name), testing::StartsWith(name + " needs --"));
             }
         }
     }
@@ -300,9 +302,9 @@ TEST_F(Help, TakesNumbersAsDecimalsWhateverTheyStartWith) {
 }
 
 TEST_F(Help, RefusesNumbersThatAreNotDecimal) {
-    EXPECT_EQ(wrongUse("add customer error 14 --bus 0x10"), "--bus: \"0x10\" is not a number from 0 to 4294967295");
-    EXPECT_EQ(wrongUse("add customer error 14 --bus 1e3"), "--bus: \"1e3\" is not a number from 0 to 4294967295");
-    EXPECT_EQ(wrongUse("add customer error 14 --bus ''"), "--bus: \"\" is not a number from 0 to 4294967295");
+    EXPECT_EQ(refusal("add customer error 14 --bus 0x10"), "--bus: \"0x10\" is not a number from 0 to 4294967295");
+    EXPECT_EQ(refusal("add customer error 14 --bus 1e3"), "--bus: \"1e3\" is not a number from 0 to 4294967295");
+    EXPECT_EQ(refusal("add customer error 14 --bus ''"), "--bus: \"\" is not a number from 0 to 4294967295");
 }
 
 TEST_F(Help, CompletesCommandsOptionsAndWordsInBash) {

@@ -108,6 +108,15 @@ TEST_F(Report, ChartsTimesFarBeyondTheCalendar) {
     EXPECT_THAT(page(), HasSubstr("Errors: 0, Warnings: 0, Information: 2</title>"));
 }
 
+TEST_F(Report, ListsTheEightMostFrequentMessagesAndSaysOfHowMany) {
+    for (const char* const id : {"101", "125", "126", "206", "229", "230", "239", "277"}) {
+        add(std::string("customer info ") + id);
+    }
+    EXPECT_THAT(page(), HasSubstr("<h3>Most frequent messages</h3>"));
+    add("customer info 20");
+    EXPECT_THAT(page(), HasSubstr("<h3>Most frequent messages, 8 of 9</h3>"));
+}
+
 TEST_F(Report, OverwritesItsFile) {
     add("customer info 20");
     const std::string file = folder / "report.html";

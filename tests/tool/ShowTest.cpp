@@ -38,18 +38,6 @@ protected:
         change("UPDATE record SET json = 'spoilt' WHERE number = 5");
     }
 
-    /// What a terminal of 80 columns shows.
-    std::string onTerminal(const std::string& arguments, const std::string& environment) const {
-        const support::TemporaryFolder scripts;
-        support::write(scripts / "run", "stty cols 80\n" + command(arguments, environment) + '\n');
-        const Outcome outcome =
-            support::run("SHELL=/bin/sh script -qec 'sh " + (scripts / "run").string() + "' /dev/null </dev/null");
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-        std::string text = outcome.output;
-        text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-        return text;
-    }
-
     static Json::Value parsed(const std::string& text) {
         Json::CharReaderBuilder builder;
         Json::CharReaderBuilder::strictMode(&builder.settings_);

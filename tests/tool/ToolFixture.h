@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TemporaryFolder.h"
 #include "run.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
@@ -10,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <json/value.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -35,6 +37,18 @@ protected:
         EXPECT_EQ(outcome.exitCode, 0) << arguments;
         EXPECT_EQ(outcome.errors, "") << arguments;
         return outcome.output;
+    }
+
+    /// What a terminal of 80 columns shows.
+    std::string onTerminal(const std::string& arguments, const std::string& environment) const {
+        const support::TemporaryFolder scripts;
+        support::write(scripts / "run", "stty cols 80\n" + command(arguments, environment) + '\n');
+        const support::Outcome outcome =
+            support::run("SHELL=/bin/sh script -qec 'sh " + (scripts / "run").string() + "' /dev/null </dev/null");
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        std::string text = outcome.output;
+        text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+        return text;
     }
 
     static std::string error(const support::Outcome& outcome, int exitCode) {
