@@ -40,6 +40,6 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_NAME tqzel-logbook)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
   "libtqzellogbook${PROJECT_VERSION_MAJOR} ${same}, libtqzelplatform${PROJECT_VERSION_MAJOR} ${same}")
-set(CPACK_COMPONENT_TOOL_DESCRIPTION "Records, shows and clears the logbooks of an RF power amplifier")
+set(CPACK_COMPONENT_TOOL_DESCRIPTION "Records, shows, checks, clears, exports, imports and reports RF amplifier logbooks")
 
 include(CPack)
