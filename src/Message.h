@@ -17,8 +17,8 @@ enum class Power : std::uint8_t { Full, Reduced };
 /// One message: its words as they are shown, with the names of places where the parameter record fills them in:
 /// "Connecting amplifier {module} on bus {bus} failed".
 struct Message {
-    constexpr Message(unsigned int number, const char* text, Power left = Power::Full)
-        : id(static_cast<std::uint16_t>(number)), power(left), words(text) {}
+    constexpr Message(std::uint16_t number, const char* text, Power left = Power::Full)
+        : id(number), power(left), words(text) {}
 
     std::uint16_t id;
     Power power;

@@ -1,4 +1,4 @@
-// A message table as it must be; with TWO_ROWS_OF_ONE_ID or AN_UNKNOWN_PLACE it must not compile.
+// A message table as it must be; with TWO_ROWS_OF_ONE_ID, AN_ID_TOO_LARGE or AN_UNKNOWN_PLACE it must not compile.
 
 #include "Message.h"
 
@@ -6,6 +6,8 @@ namespace {
 
 #ifdef TWO_ROWS_OF_ONE_ID
 constexpr unsigned int secondId = 3;
+#elif defined AN_ID_TOO_LARGE
+constexpr unsigned int secondId = 65536;
 #else
 constexpr unsigned int secondId = 4;
 #endif
