@@ -3,7 +3,7 @@
 // must be there when the logbook is opened again: all of it, whole, in order, once.
 
 #include "Check.h"
-#include "Losses.h"
+#include "Ledger.h"
 #include "NumberedLogbook.h"
 #include "TemporaryFolder.h"
 #include "random.h"
@@ -19,7 +19,6 @@
 #include <cstdint>
 #include <ctime>
 #include <iostream>
-#include <map>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -32,6 +31,7 @@ using support::Entry;
 using support::isWhole;
 using support::NumberedLogbook;
 using support::numberOf;
+using support::oneIn;
 using support::Place;
 using support::Random;
 using support::recordOf;
@@ -41,11 +41,6 @@ constexpr std::uint64_t usualRounds = 500;
 
 /// What the children tell, each in one write, which a kill can't cut.
 enum class Event { Opening, Adding, Added, Clearing, Cleared, WholePage, BrokenPage, Refused };
-
-struct Report {
-    Event event;
-    std::int64_t number;
-};
 
 class Pipe {
 public:
@@ -69,19 +64,18 @@ public:
         ends[0] = -1;
     }
 
-    void tell(Event event, std::int64_t number = 0) const {
-        const Report report{event, number};
-        if (write(ends[1], &report, sizeof report) != sizeof report) {
+    void tell(Event event) const {
+        if (write(ends[1], &event, sizeof event) != sizeof event) {
             _exit(1);
         }
     }
 
-    Report wait() const {
-        Report report{};
-        if (read(ends[0], &report, sizeof report) != sizeof report) {
+    Event wait() const {
+        Event event{};
+        if (read(ends[0], &event, sizeof event) != sizeof event) {
             throw std::system_error(errno, std::generic_category(), "read");
         }
-        return report;
+        return event;
     }
 
     bool holdsMore() const {
@@ -147,20 +141,25 @@ void endAfter(std::chrono::microseconds time) {
     }
 }
 
-/// Adds numbered records and clears now and then, until killed.
-[[noreturn]] void writeOn(const Place& place, std::int64_t number, bool lies, Random random, const Pipe& pipe) {
+/// Adds records, which the ledger of this process numbers as that of the parent does, and clears now and then, until
+/// killed.
+[[noreturn]] void writeOn(const Place& place, support::Ledger ledger, bool lies, Random random, const Pipe& pipe) {
     const NumberedLogbook open(place);
     while (true) {
-        if (upTo(random, 15) == 0) {
+        if (oneIn(random, 16)) {
             pipe.tell(Event::Clearing);
             open.logbook->clear();
             pipe.tell(Event::Cleared);
             continue;
         }
-        pipe.tell(lies ? Event::Added : Event::Adding, number);
-        open.logbook->add(recordOf(number));
-        pipe.tell(Event::Added, number);
-        ++number;
+        pipe.tell(Event::Adding);
+        if (lies) {
+            pipe.tell(Event::Added);
+        }
+        open.logbook->add(recordOf(ledger.adding()));
+        if (!lies) {
+            pipe.tell(Event::Added);
+        }
     }
 }
 
@@ -208,116 +207,81 @@ struct Figures {
     }
 };
 
-/// What the logbook must hold by what was acknowledged: the numbers from `first` to `last`, as far as they are kept.
-struct Ledger {
-    std::int64_t first = 1;
-    std::int64_t last = 0;
-    std::optional<Event> begun;  // and not acknowledged
-
-    void take(const Report& report, Figures& figures) {
-        switch (report.event) {
-            case Event::Opening:
-            case Event::Adding:
-            case Event::Clearing:
-                begun = report.event;
-                break;
-            case Event::Added:
-                figures.acknowledged += report.number - last;
-                last = report.number;
-                begun.reset();
-                break;
-            case Event::Cleared:
-                first = last + 1;
-                begun.reset();
-                break;
-            case Event::WholePage:
-                ++figures.pages;
-                break;
-            case Event::BrokenPage:
-                ++figures.brokenPages;
-                break;
-            case Event::Refused:
-                ++figures.refused;
-                break;
-        }
-    }
-
-    std::int64_t oldestKept(const Place& place) const {
-        return place.capacity == 0 ? first : std::max(first, last + 1 - std::int64_t{place.capacity});
-    }
-};
-
 /// A logbook that is written, killed, and opened again many times.
 struct Life {
-    explicit Life(std::uint32_t capacity) : place{folder.path(), capacity} {}
+    explicit Life(std::uint32_t capacity) : place{folder.path(), capacity}, ledger(capacity) {}
 
     support::TemporaryFolder folder;
     Place place;
-    Ledger ledger;
+    support::Ledger ledger;
+    std::optional<Event> begun;  // and not acknowledged
 };
 
+/// Takes what a child told.
+void take(Event event, Life& life, Figures& figures) {
+    switch (event) {
+        case Event::Opening:
+            break;
+        case Event::Adding:
+            life.ledger.adding();
+            life.begun = event;
+            break;
+        case Event::Added:
+            life.ledger.added();
+            ++figures.acknowledged;
+            life.begun.reset();
+            break;
+        case Event::Clearing:
+            life.ledger.clearing();
+            life.begun = event;
+            break;
+        case Event::Cleared:
+            life.ledger.cleared();
+            life.begun.reset();
+            break;
+        case Event::WholePage:
+            ++figures.pages;
+            break;
+        case Event::BrokenPage:
+            ++figures.brokenPages;
+            break;
+        case Event::Refused:
+            ++figures.refused;
+            break;
+    }
+}
+
 /// Takes what the children told, until the writer has told that much.
-void listen(Ledger& ledger, const Pipe& pipe, std::int64_t writerReports, Figures& figures) {
+void listen(Life& life, const Pipe& pipe, std::int64_t writerReports, Figures& figures) {
     const std::int64_t refusedBefore = figures.refused;
     while (writerReports > 0 && figures.refused == refusedBefore) {
-        const Report report = pipe.wait();
-        ledger.take(report, figures);
-        if (report.event != Event::WholePage && report.event != Event::BrokenPage) {
+        const Event event = pipe.wait();
+        take(event, life, figures);
+        if (event != Event::WholePage && event != Event::BrokenPage) {
             --writerReports;
         }
     }
 }
 
-void listenToTheLast(Ledger& ledger, const Pipe& pipe, Figures& figures) {
+void listenToTheLast(Life& life, const Pipe& pipe, Figures& figures) {
     while (pipe.holdsMore()) {
-        ledger.take(pipe.wait(), figures);
-    }
-}
-
-/// What was begun when the kill came is either done or not.
-void settle(Ledger& ledger, const std::vector<Entry>& stored, Figures& figures) {
-    if (ledger.begun == Event::Clearing && stored.empty()) {
-        ledger.first = ledger.last + 1;
-    }
-    if (ledger.begun == Event::Adding && !stored.empty() && numberOf(stored.front()) == ledger.last + 1) {
-        ++ledger.last;
-        ++figures.unacknowledged;
-    }
-    ledger.begun.reset();
-}
-
-/// Compares every stored record with what was acknowledged.
-void audit(const Life& life, const std::vector<Entry>& stored, Figures& figures) {
-    const std::int64_t oldest = life.ledger.oldestKept(life.place);
-    std::map<std::int64_t, int> times;
-    std::int64_t before = life.ledger.last + 1;
-    for (const Entry& entry : stored) {
-        const std::int64_t number = numberOf(entry);
-        ++times[number];
-        figures.records.torn += isWhole(entry) ? 0 : 1;
-        figures.records.strange += number < oldest || number > life.ledger.last ? 1 : 0;
-        figures.records.misplaced += number >= before ? 1 : 0;
-        before = number;
-    }
-    for (std::int64_t number = oldest; number <= life.ledger.last; ++number) {
-        figures.records.lost += times[number] == 0 ? 1 : 0;
-        figures.records.twice += times[number] > 1 ? 1 : 0;
+        take(pipe.wait(), life, figures);
     }
 }
 
 /// Opens the logbook after the kill, looks, and goes on.
 void reopen(Life& life, Figures& figures) {
     const NumberedLogbook open(life.place);
-    const std::vector<Entry> stored = open.logbook->fetchAll();
-    figures.records.torn += std::int64_t{open.database->count()} - static_cast<std::int64_t>(stored.size());
-    settle(life.ledger, stored, figures);
-    audit(life, stored, figures);
-
-    const Entry next = recordOf(++life.ledger.last);
-    open.logbook->add(next);
+    const support::Finding found = support::look(open, life.ledger);
+    figures.records += found.losses;
+    figures.unacknowledged += found.inDoubt;
+    if (life.begun == Event::Adding && found.inDoubt == 0) {
+        life.ledger.takeBack();  // readers demand numbers without gaps
+    }
+    open.logbook->add(recordOf(life.ledger.adding()));
+    life.ledger.added();
     ++figures.acknowledged;
-    const std::vector<Entry> newest = open.logbook->fetch(0, 1);
-    figures.records.lost += newest.size() == 1 && numberOf(newest.front()) == numberOf(next) ? 0 : 1;
+    figures.records.lost += support::showsLast(open, life.ledger) ? 0 : 1;
 }
 
 void count(const std::optional<Event>& interrupted, Figures& figures) {
@@ -339,26 +303,26 @@ void writeAndKill(Life& life, bool lies, std::int64_t writerReports, Random& ran
     const Random writersRandom(random());
     const Random readersRandom(random());
     const std::chrono::microseconds moment = someMoment(random);
-    life.ledger.begun = Event::Opening;
+    life.begun = Event::Opening;
     Child writer(pipe, [&] {
         if (writerReports == 0) {
             endAfter(moment);
         }
-        writeOn(life.place, life.ledger.last + 1, lies, writersRandom, pipe);
+        writeOn(life.place, life.ledger, lies, writersRandom, pipe);
     });
     Child reader(pipe, [&] { readOn(life.place, readersRandom, pipe); });
     if (writerReports == 0) {
         writer.awaitEnd();
     } else {
-        listen(life.ledger, pipe, writerReports, figures);
+        listen(life, pipe, writerReports, figures);
         std::this_thread::sleep_for(moment);
     }
-    if (upTo(random, 1) == 0) {
+    if (oneIn(random, 2)) {
         reader.endNow();  // else it reads on while the logbook is opened again
     }
     writer.endNow();
-    listenToTheLast(life.ledger, pipe, figures);
-    count(life.ledger.begun, figures);
+    listenToTheLast(life, pipe, figures);
+    count(life.begun, figures);
     reopen(life, figures);
 }
 
@@ -367,9 +331,9 @@ Figures killAgainAndAgain(const support::Extent& extent, bool lies) {
     Figures figures;
     std::optional<Life> life;
     for (std::uint64_t round = 0; round < extent.rounds; ++round) {
-        const bool fresh = !life || upTo(random, 15) == 0;
+        const bool fresh = !life || oneIn(random, 16);
         if (fresh) {
-            life.emplace(upTo(random, 1) == 0 ? 0 : 40);
+            life.emplace(oneIn(random, 2) ? 0 : 40);
         }
         const std::int64_t wrongBefore = figures.wrong();
         try {

@@ -18,13 +18,10 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace {
 
-using support::Entry;
 using support::NumberedLogbook;
-using support::numberOf;
 using support::oneIn;
 using support::Random;
 using support::upTo;
@@ -89,17 +86,15 @@ public:
     /// Opens the logbook, looks, and goes on; often to the next loss, with the log not written back.
     void lookAndGoOn(Random& random) {
         auto open = std::make_unique<NumberedLogbook>(place);
-        const std::vector<Entry> stored = open->logbook->fetchAll();
-        figures.records += ledger.audit(stored);
-        figures.records.torn += std::int64_t{open->database->count()} - static_cast<std::int64_t>(stored.size());
-        figures.unacknowledged += ledger.settle(stored);
+        const support::Finding found = support::look(*open, ledger);
+        figures.records += found.losses;
+        figures.unacknowledged += found.inDoubt;
         const std::string integrity =
             support::integrityOf(standalone::logbookFile(place.folder, support::numberedName));
         figures.broken += integrity == "ok" ? 0 : 1;
 
         add(*open);
-        const std::vector<Entry> newest = open->logbook->fetch(0, 1);
-        figures.records.lost += newest.size() == 1 && ledger.isLast(numberOf(newest.front())) ? 0 : 1;
+        figures.records.lost += support::showsLast(*open, ledger) ? 0 : 1;
         if (oneIn(random, 2)) {
             medium.losePowerAfter(0);
         }

@@ -25,6 +25,9 @@ public:
         return last;
     }
 
+    /// What was being added is not there, and its number is given out again.
+    void takeBack() { --last; }
+
     void added() { acknowledged[last] = true; }
 
     bool isLast(std::int64_t number) const { return number == last; }
@@ -94,5 +97,25 @@ private:
     std::map<std::int64_t, bool> acknowledged;  // by number, all that may be stored
     std::set<std::int64_t> doubtfulClears;      // the last number before each
 };
+
+/// What stands in a logbook that was opened again.
+struct Finding {
+    Losses losses;
+    std::int64_t inDoubt;  ///< records that are there and had not been acknowledged
+};
+
+/// Looks at all records of a logbook, which ends all doubt.
+inline Finding look(const NumberedLogbook& open, Ledger& ledger) {
+    const std::vector<Entry> stored = open.logbook->fetchAll();
+    Losses losses = ledger.audit(stored);
+    losses.torn += std::int64_t{open.database->count()} - static_cast<std::int64_t>(stored.size());
+    return {losses, ledger.settle(stored)};
+}
+
+/// Whether the last record that was to be added is the newest one.
+inline bool showsLast(const NumberedLogbook& open, const Ledger& ledger) {
+    const std::vector<Entry> newest = open.logbook->fetch(0, 1);
+    return newest.size() == 1 && ledger.isLast(numberOf(newest.front()));
+}
 
 }  // namespace support
