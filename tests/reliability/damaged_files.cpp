@@ -5,11 +5,11 @@
 #include "CapturedErrors.h"
 #include "Check.h"
 #include "TemporaryFolder.h"
+#include "lines.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
 #include <standalone/errors.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -70,22 +70,6 @@ public:
     std::string content;
 };
 
-std::size_t occurrences(const std::string& text, const std::string& part) {
-    std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++count;
-    }
-    return count;
-}
-
-bool isPartOf(const Texts& some, const Texts& all) {
-    auto next = all.begin();
-    return std::all_of(some.begin(), some.end(), [&](const std::string& text) {
-        next = std::find(next, all.end(), text);
-        return next != all.end() && next++ != all.end();
-    });
-}
-
 /// What the damaged logbook says; nothing when it is refused.
 std::optional<Texts> read(const Logbooks& logbooks, const std::string& what, Failures& failures) {
     try {
@@ -107,8 +91,8 @@ void expectNoticed(const Logbooks& logbooks, const std::string& what, CapturedEr
         ++figures.refused;
         return;
     }
-    const std::size_t named = occurrences(log, logbooks.file.string() + ": record ");
-    failures.expect(isPartOf(*found, logbooks.whole), what + ": a record has changed");
+    const std::size_t named = support::occurrences(log, logbooks.file.string() + ": record ");
+    failures.expect(support::isSelection(*found, logbooks.whole), what + ": a record has changed");
     failures.expect(
         found->size() + named == logbooks.whole.size(),
         what + ": " + std::to_string(found->size()) + " records, and " + std::to_string(named) + " named as damaged");

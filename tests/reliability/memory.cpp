@@ -6,9 +6,11 @@
 // the platform throws for text that can't be; and from a logbook standalone::DatabaseError. The one thing that may be
 // missing from a page without an exception is an entry that could not be read, when the diagnostic log says so.
 
+#include "CapturedErrors.h"
 #include "Check.h"
 #include "Shortage.h"
 #include "TemporaryFolder.h"
+#include "lines.h"
 #include "textOperations.h"
 
 #include <lgb/ZelLogbook.h>
@@ -17,7 +19,6 @@
 
 #include <json/value.h>
 
-#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -56,46 +57,6 @@ bool saysSo(const std::exception& exception, Needs needs) {
            (needs == Needs::Database && dynamic_cast<const standalone::DatabaseError*>(&exception) != nullptr);
 }
 
-/// Takes what is written to standard error, which is the diagnostic log, while it lasts.
-class CapturedLog {
-public:
-    explicit CapturedLog(const std::filesystem::path& file) : terminal(dup(STDERR_FILENO)) {
-        const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
-        dup2(descriptor, STDERR_FILENO);
-        close(descriptor);
-    }
-
-    CapturedLog(const CapturedLog&) = delete;
-    CapturedLog& operator=(const CapturedLog&) = delete;
-
-    ~CapturedLog() {
-        dup2(terminal, STDERR_FILENO);
-        close(terminal);
-    }
-
-private:
-    int terminal;
-};
-
-std::size_t occurrences(const std::string& text, const std::string& what) {
-    std::size_t count = 0;
-    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) {
-        ++count;
-    }
-    return count;
-}
-
-/// Whether `given` is `whole` but for lines that are left out.
-bool isSelection(const Lines& given, const Lines& whole) {
-    auto next = given.begin();
-    for (const std::string& line : whole) {
-        if (next != given.end() && *next == line) {
-            ++next;
-        }
-    }
-    return next == given.end();
-}
-
 /// Which requests for memory are refused, from the moment on when the operation under trial starts.
 struct Refused {
     std::uint64_t first;
@@ -113,23 +74,23 @@ std::string title(const std::string& operation, Refused requests) {
 /// One try of one operation. What is around its `run` has all the memory it wants.
 class Attempt {
 public:
-    /// @param file takes the diagnostic log
-    Attempt(std::string operation, Refused requests, std::filesystem::path file)
-        : name(std::move(operation)), refused(requests), log(std::move(file)) {}
+    /// @param diagnostics takes the diagnostic log
+    Attempt(std::string operation, Refused requests, support::CapturedErrors& diagnostics)
+        : name(std::move(operation)), refused(requests), log(diagnostics) {}
 
     /// @param operation gives what it has to give, line by line
     /// @return whether it came to its end
     template <typename Operation>
     bool run(Needs needs, Operation operation) {
         try {
-            support::write(log, "");
+            log.take();
             const support::Shortage shortage(refused.first, refused.last);
             lines = operation();
             completed = true;
         } catch (const std::exception& exception) {
             expect(saysSo(exception, needs), std::string(typeid(exception).name()) + ": " + exception.what());
         }
-        text = support::contentOf(log);
+        text = log.take();
         return completed;
     }
 
@@ -138,13 +99,14 @@ public:
 
     /// How often the diagnostic log told of something left out.
     std::size_t excuses() const {
-        return occurrences(text, " warning libTqZelLogbook: ") + occurrences(text, " error libTqZelLogbook: ");
+        return support::occurrences(text, " warning libTqZelLogbook: ") +
+               support::occurrences(text, " error libTqZelLogbook: ");
     }
 
     /// When it came to its end: it gave what another attempt gave that had memory, or told of each line left out.
     void expectWhole(const Attempt& whole) {
-        const bool excused =
-            isSelection(lines, whole.lines) && whole.lines.size() - lines.size() <= excuses() - whole.excuses();
+        const bool excused = support::isSelection(lines, whole.lines) &&
+                             whole.lines.size() - lines.size() <= excuses() - whole.excuses();
         if (completed && !excused) {
             expectSame(lines, whole.lines, "gives without a word");
         }
@@ -169,7 +131,7 @@ public:
 private:
     std::string name;
     Refused refused;
-    std::filesystem::path log;
+    support::CapturedErrors& log;
     std::string text;
     Lines lines;
     bool completed = false;
@@ -437,8 +399,9 @@ void nameAndDie(int signal) {
 /// Puts trials through shortage after shortage.
 class Sweep {
 public:
-    Sweep(support::Extent howMany, support::Failures& seen, std::filesystem::path file)
-        : extent(howMany), failures(seen), log(std::move(file)) {}
+    /// @param diagnostics takes the diagnostic log
+    Sweep(support::Extent howMany, support::Failures& seen, support::CapturedErrors& diagnostics)
+        : extent(howMany), failures(seen), log(diagnostics) {}
 
     /// Refuses one request after the other until the operation asks for no more. Those of a long operation are as many
     /// as there are rounds, evenly spread; the seed shifts them.
@@ -465,7 +428,6 @@ private:
     static constexpr Refused nothing{support::MemorySupply::never, support::MemorySupply::never};
 
     Attempt attempt(const Trial& trial, Refused requests) {
-        const CapturedLog captured(log);
         Attempt attempt(trial.name, requests, log);
         underway = title(trial.name, requests) + "the end of the program\n";
         try {
@@ -499,7 +461,7 @@ private:
 
     support::Extent extent;
     support::Failures& failures;
-    std::filesystem::path log;
+    support::CapturedErrors& log;
     std::int64_t live = 0;
     std::uint64_t operations = 0;
     std::uint64_t refusals = 0;
@@ -520,19 +482,18 @@ int firstUse(Refused requests) {
 }
 
 /// Lets children use the library for the first time, one for each request, and survive it.
-void refuseFirstUse(support::Failures& failures, const std::filesystem::path& log) {
+void refuseFirstUse(support::Failures& failures, support::CapturedErrors& log) {
     for (const bool lasting : {false, true}) {
         int status = -1;
         for (std::uint64_t first = 1; status != 0; ++first) {
             const Refused requests{first, lasting ? support::MemorySupply::never : first};
             const pid_t child = fork();
             if (child == 0) {
-                const CapturedLog captured(log);
                 _exit(firstUse(requests));
             }
             waitpid(child, &status, 0);
             const bool survived = WIFEXITED(status) && WEXITSTATUS(status) <= 1;
-            failures.expect(survived, title("first use", requests) + support::contentOf(log));
+            failures.expect(survived, title("first use", requests) + log.take());
         }
     }
 }
@@ -545,10 +506,11 @@ int run(int argc, char** argv) {
     setenv("TQZEL_LOG_LEVEL", "1", 1);  // so that making log lines runs out of memory, too
 
     support::Failures failures;
-    refuseFirstUse(failures, folder / "log");
+    support::CapturedErrors log;  // which is the diagnostic log
+    refuseFirstUse(failures, log);
     std::signal(SIGABRT, nameAndDie);
     std::signal(SIGSEGV, nameAndDie);
-    Sweep sweep(extent, failures, folder / "log");
+    Sweep sweep(extent, failures, log);
     for (const Trial& trial : textTrials()) {
         sweep.run(trial);
     }
