@@ -1,4 +1,5 @@
 #include "TemporaryFolder.h"
+#include "execute.h"
 
 #include <standalone/LogbookReader.h>
 #include <standalone/SqliteDatabaseFactory.h>
@@ -6,7 +7,6 @@
 
 #include <sys/stat.h>
 
-#include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -54,14 +54,7 @@ protected:
 
     using Files = std::map<std::string, std::string>;
 
-    /// Names and contents.
-    Files files() const {
-        Files files;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-            files[entry.path().filename()] = support::contentOf(entry.path());
-        }
-        return files;
-    }
+    Files files() const { return support::filesOf(folder.path()); }
 
     std::string refusal() const { return refusalOf(file); }
 
@@ -102,7 +95,7 @@ TEST_F(Reader, TellsWhenTheRecordBeforeWasMade) {
 
 TEST_F(Reader, MarksARecordThatIsNotIntact) {
     addAndClose(1, 3);
-    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("UPDATE record SET json = '7' WHERE number = 2");
+    support::execute(file, "UPDATE record SET json = '7' WHERE number = 2");
     const std::vector<StoredRecord> records = LogbookReader(file).after(0, 10);
     EXPECT_TRUE(records[0].intact);
     EXPECT_FALSE(records[1].intact);
@@ -187,7 +180,7 @@ TEST_F(Reader, RefusesALogbookWhoseLogCanNotBeRead) {
 
 TEST_F(Reader, RefusesATableThatIsAnother) {
     addAndClose(1, 3);
-    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("ALTER TABLE record RENAME COLUMN seconds TO minutes");
+    support::execute(file, "ALTER TABLE record RENAME COLUMN seconds TO minutes");
     EXPECT_EQ(refusal(), file.string() + ": no such column: seconds");
 }
 
@@ -195,7 +188,7 @@ TEST_F(Reader, NamesTheFileWhenItCanNotReadOn) {
     const auto database = open();
     add(*database, 1, 3);
     LogbookReader reader(file);
-    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("DROP TABLE record");
+    support::execute(file, "DROP TABLE record");
     const std::string refused = file.string() + ": no such table: record";
     EXPECT_THAT([&] { reader.before(newest, 1); }, ThrowsMessage<standalone::DatabaseError>(refused));
     EXPECT_THAT([&] { reader.count(); }, ThrowsMessage<standalone::DatabaseError>(refused));
@@ -214,8 +207,7 @@ TEST_F(Reader, ReadsAFolderWhoseNameBeginsWithTwoSlashes) {
 TEST_F(Reader, NamesWhatIsDamagedInTheStructure) {
     addAndClose(1, 3);
     EXPECT_THAT(standalone::structuralDamage(file), ElementsAre());
-    SQLite::Database(file.string(), SQLite::OPEN_READWRITE)
-        .exec("PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
+    support::execute(file, "PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
     EXPECT_THAT(standalone::structuralDamage(file), Contains(testing::HasSubstr("2nd reference to page 2")));
 }
 
@@ -226,8 +218,8 @@ TEST_F(Reader, ReadsWhatWasAddedAtOnce) {
 
 TEST_F(Reader, FindsNothingOfWhatCouldNotBeAddedAtOnce) {
     addAndClose(1, 2);
-    SQLite::Database(file.string(), SQLite::OPEN_READWRITE)
-        .exec("CREATE TRIGGER full BEFORE INSERT ON record WHEN new.json = '4' BEGIN SELECT raise(ABORT, 'no 4'); END");
+    support::execute(
+        file, "CREATE TRIGGER full BEFORE INSERT ON record WHEN new.json = '4' BEGIN SELECT raise(ABORT, 'no 4'); END");
     EXPECT_THROW(SqliteDatabaseFactory(folder.path()).addAll("lgbTest", 3, {{{}, "3"}, {{}, "4"}}),
                  standalone::DatabaseError);
     EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("2", "1"));

@@ -2,6 +2,7 @@
 #include "Syncs.h"
 #include "SystemCall.h"
 #include "TemporaryFolder.h"
+#include "execute.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
 #include <standalone/errors.h>
@@ -91,7 +92,7 @@ protected:
     }
 
     /// Changes the file behind the logbook's back.
-    void execute(const std::string& sql) const { SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec(sql); }
+    void execute(const std::string& sql) const { support::execute(file, sql); }
 
     static constexpr std::uintmax_t logSize = 128 * std::uintmax_t{1024};
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -37,6 +38,15 @@ inline std::string contentOf(const std::filesystem::path& file) {
     std::ostringstream content;
     content << std::ifstream(file, std::ios::binary).rdbuf();
     return content.str();
+}
+
+/// The names and contents of the files in a folder.
+inline std::map<std::string, std::string> filesOf(const std::filesystem::path& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        files[entry.path().filename()] = contentOf(entry.path());
+    }
+    return files;
 }
 
 inline void write(const std::filesystem::path& file, const std::string& content) {

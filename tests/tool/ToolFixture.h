@@ -1,12 +1,12 @@
 #pragma once
 
 #include "TemporaryFolder.h"
+#include "execute.h"
 #include "run.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
 #include <tqbase2/system/JsonUtility.h>
 
-#include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <json/value.h>
@@ -102,18 +102,10 @@ protected:
 
     std::filesystem::path customerFile() const { return folder / "lgbCustomer.db"; }
 
-    void change(const std::string& sql) const {
-        SQLite::Database(customerFile().string(), SQLite::OPEN_READWRITE).exec(sql);
-    }
+    void change(const std::string& sql) const { support::execute(customerFile(), sql); }
 
     /// All files of the folder with their contents.
-    std::map<std::string, std::string> files() const {
-        std::map<std::string, std::string> files;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-            files[entry.path().filename()] = support::contentOf(entry.path());
-        }
-        return files;
-    }
+    std::map<std::string, std::string> files() const { return support::filesOf(folder.path()); }
 
     /// An evening of three entries, each of another type.
     void storeEvening() const {
