@@ -2,6 +2,8 @@
 
 #include "samples.h"
 
+#include <standalone/schema.h>
+
 #include <cstddef>
 #include <stdexcept>
 
@@ -9,18 +11,7 @@ namespace bench {
 
 namespace {
 
-constexpr const char* schema = R"(
-CREATE TABLE record (
-    number      INTEGER PRIMARY KEY,
-    seconds     INTEGER NOT NULL,
-    nanoseconds INTEGER NOT NULL,
-    time        TEXT NOT NULL,
-    json        TEXT NOT NULL,
-    checksum    INTEGER NOT NULL
-) STRICT;
-CREATE TABLE cleared (through INTEGER NOT NULL) STRICT;
-INSERT INTO cleared VALUES (0);
-)";
+namespace schema = standalone::schema;
 
 void require(bool holds, sqlite3* connection) {
     if (!holds) {
@@ -69,7 +60,7 @@ Connection::Connection(const std::string& file, int checkpointPages) {
     execute("PRAGMA application_id");
     execute("PRAGMA user_version");
     execute("PRAGMA quick_check(1)");
-    execute("SELECT count(*), min(number), max(number), max(through) FROM record, cleared");
+    execute(schema::selectNumbers);
     execute("COMMIT");
     execute("PRAGMA journal_mode = WAL");
     execute("PRAGMA synchronous = FULL");
@@ -84,7 +75,7 @@ void Connection::execute(const std::string& sql) const {
 void makeFile(const std::string& file, int pageSize) {
     sqlite3* connection = nullptr;
     require(sqlite3_open(file.c_str(), &connection) == SQLITE_OK, connection);
-    const std::string sql = "PRAGMA page_size = " + std::to_string(pageSize) + ';' + schema;
+    const std::string sql = "PRAGMA page_size = " + std::to_string(pageSize) + ';' + schema::makeTables;
     require(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, connection);
     sqlite3_close(connection);
 }
@@ -94,19 +85,13 @@ BareLogbook::BareLogbook(const std::string& file, std::int64_t recordsKept, int 
       connection(file, checkpointPages),
       begin(connection.handle, "BEGIN IMMEDIATE"),
       commit(connection.handle, "COMMIT"),
-      selectPage(connection.handle,
-                 "SELECT number, seconds, nanoseconds, time, json, checksum FROM record "
-                 "WHERE number <= (SELECT max(number) FROM record) - ? ORDER BY number DESC LIMIT ?"),
-      selectNextNumber(connection.handle,
-                       "SELECT 1 + coalesce((SELECT max(number) FROM record), (SELECT through FROM cleared))"),
-      insertRecord(connection.handle,
-                   "INSERT INTO record (number, seconds, nanoseconds, time, json, checksum) VALUES (?, ?, ?, ?, ?, ?)"),
-      deleteOldest(connection.handle, "DELETE FROM record WHERE number <= ?"),
-      selectCount(connection.handle,
-                  "SELECT coalesce((SELECT max(number) FROM record) - (SELECT min(number) FROM record) + 1, 0)"),
-      rememberNumber(connection.handle,
-                     "UPDATE cleared SET through = coalesce((SELECT max(number) FROM record), through)"),
-      deleteAll(connection.handle, "DELETE FROM record") {}
+      selectPage(connection.handle, schema::selectRecords(schema::onPage).c_str()),
+      selectNextNumber(connection.handle, schema::selectNextNumber),
+      insertRecord(connection.handle, schema::insertRecord),
+      deleteOldest(connection.handle, schema::deleteOldest),
+      selectCount(connection.handle, schema::selectCount),
+      rememberNumber(connection.handle, schema::rememberLastNumber),
+      deleteAll(connection.handle, schema::deleteAll) {}
 
 void BareLogbook::fill(std::int64_t records) {
     begin.run();

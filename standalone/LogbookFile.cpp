@@ -3,6 +3,7 @@
 #include "LogbookReader.h"
 #include "Transaction.h"
 #include "errors.h"
+#include "schema.h"
 
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Statement.h>
@@ -26,20 +27,6 @@ constexpr std::chrono::milliseconds lockTimeout(5000);
 // Stand in the header of every file: "TqZL", and the version of the tables below.
 constexpr int applicationId = 0x54715a4c;
 constexpr int schemaVersion = 1;
-
-// `cleared` keeps the last number given out before everything was removed, so that numbering goes on behind it.
-constexpr const char* schema = R"(
-CREATE TABLE record (
-    number      INTEGER PRIMARY KEY,
-    seconds     INTEGER NOT NULL,
-    nanoseconds INTEGER NOT NULL,
-    time        TEXT NOT NULL,
-    json        TEXT NOT NULL,
-    checksum    INTEGER NOT NULL
-) STRICT;
-CREATE TABLE cleared (through INTEGER NOT NULL) STRICT;
-INSERT INTO cleared VALUES (0);
-)";
 
 // A commit writes each page that it touches whole. Of a record as the library makes it three fit into a page.
 constexpr int pageBytes = 1024;
@@ -68,8 +55,7 @@ void checkStructure(SQLite::Database& connection) {
 
 /// Records are numbered without gaps, and behind those that were cleared.
 void checkNumbers(SQLite::Database& connection) {
-    SQLite::Statement numbers(connection,
-                              "SELECT count(*), min(number), max(number), max(through) FROM record, cleared");
+    SQLite::Statement numbers(connection, schema::selectNumbers);
     numbers.executeStep();
     const std::int64_t count = numbers.getColumn(0);
     const std::int64_t first = numbers.getColumn(1);
@@ -119,7 +105,7 @@ void makeLogbook(SQLite::Database& connection) {
     if (examine(connection) == Content::Nothing) {
         connection.exec("PRAGMA application_id = " + std::to_string(applicationId));
         connection.exec("PRAGMA user_version = " + std::to_string(schemaVersion));
-        connection.exec(schema);
+        connection.exec(schema::makeTables);
     }
     transaction.commit();
 }

@@ -1,7 +1,7 @@
 #include "LogbookReader.h"
 
 #include "LogbookFile.h"
-#include "errors.h"
+#include "schema.h"
 #include "storedRecord.h"
 
 #include <SQLiteCpp/Database.h>
@@ -24,8 +24,8 @@ struct LogbookReader::Connection {
     explicit Connection(std::string path)
         : file(std::move(path)),
           database(openForReading(file)),
-          recordsBefore(database, selectRecords("number < ? ORDER BY number DESC LIMIT ?", secondsBefore)),
-          recordsAfter(database, selectRecords("number > ? ORDER BY number LIMIT ?", secondsBefore)) {}
+          recordsBefore(database, schema::selectRecords("number < ? ORDER BY number DESC LIMIT ?", secondsBefore)),
+          recordsAfter(database, schema::selectRecords("number > ? ORDER BY number LIMIT ?", secondsBefore)) {}
 
     std::vector<StoredRecord> read(Statement& statement, std::int64_t number, unsigned int count) const {
         try {

@@ -2,6 +2,7 @@
 
 #include "LogbookFile.h"
 #include "checksum.h"
+#include "schema.h"
 #include "storedRecord.h"
 
 #include <tqbase2/system/log/detail.h>
@@ -21,26 +22,6 @@ IDatabase::~IDatabase() = default;
 namespace standalone {
 
 namespace {
-
-constexpr const char* pageCondition = R"(
-number <= (SELECT max(number) FROM record) - ?
-ORDER BY number DESC LIMIT ?)";
-
-constexpr const char* nextNumberSql = R"(
-SELECT 1 + coalesce((SELECT max(number) FROM record), (SELECT through FROM cleared)))";
-
-constexpr const char* insertSql = R"(
-INSERT INTO record (number, seconds, nanoseconds, time, json, checksum) VALUES (?, ?, ?, ?, ?, ?))";
-
-constexpr const char* deleteOldestSql = "DELETE FROM record WHERE number <= ?";
-
-constexpr const char* clearSql = R"(
-UPDATE cleared SET through = coalesce((SELECT max(number) FROM record), through);
-DELETE FROM record;
-)";
-
-constexpr const char* countSql = R"(
-SELECT coalesce((SELECT max(number) FROM record) - (SELECT min(number) FROM record) + 1, 0))";
 
 // Room that is made at once for a page; a longer one grows.
 constexpr unsigned int usualPage = 100;
@@ -75,11 +56,11 @@ SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKep
       capacity(recordsKept),
       connection(openLogbook(path, recordsKept)),
       transactions(guarded([this] { return TransactionStatements(connection, TransactionStatements::writing); })),
-      selectPage(prepare(selectRecords(pageCondition))),
-      selectNextNumber(prepare(nextNumberSql)),
-      insertRecord(prepare(insertSql)),
-      deleteOldest(prepare(deleteOldestSql)),
-      selectCount(prepare(countSql)) {}
+      selectPage(prepare(schema::selectRecords(schema::onPage))),
+      selectNextNumber(prepare(schema::selectNextNumber)),
+      insertRecord(prepare(schema::insertRecord)),
+      deleteOldest(prepare(schema::deleteOldest)),
+      selectCount(prepare(schema::selectCount)) {}
 
 SqliteDatabase::~SqliteDatabase() {
     if (written) {
@@ -170,7 +151,10 @@ void SqliteDatabase::keepUpTo(std::int64_t number) {
 }
 
 void SqliteDatabase::clear() {
-    commit([&] { connection.exec(clearSql); });
+    commit([&] {
+        connection.exec(schema::rememberLastNumber);
+        connection.exec(schema::deleteAll);
+    });
 }
 
 unsigned int SqliteDatabase::count() {

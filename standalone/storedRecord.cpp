@@ -4,11 +4,6 @@
 
 namespace standalone {
 
-std::string selectRecords(const char* condition, const char* furtherColumns) {
-    return std::string("SELECT number, seconds, nanoseconds, time, json, checksum") + furtherColumns +
-           " FROM record WHERE " + condition;
-}
-
 StoredRecord storedRecord(const Statement& statement) {
     StoredRecord record{};
     record.number = statement.number(0);
