@@ -1,6 +1,5 @@
 #include "LogbookFile.h"
 
-#include "LogbookReader.h"
 #include "Transaction.h"
 #include "errors.h"
 #include "schema.h"
@@ -173,18 +172,16 @@ bool holdsAnything(const std::string& file) {
     return first > 0;  // an emptied log starts with a zero
 }
 
-/// The index of the write-ahead log lies beside a logbook in use, and stays when it is closed; only read, it shows what
-/// the log holds. Without it the file is a copy, to be taken as it is.
-SQLite::Database connectForReading(const std::string& file) {
-    if (!exists(file)) {
-        throw DatabaseError("there is no such logbook");
+/// Does what it is to do with a file; what it throws then names the file.
+template <typename Operation>
+auto naming(const std::string& file, Operation operation) {
+    try {
+        return operation();
+    } catch (const SQLite::Exception& exception) {
+        refuse(file, exception);
+    } catch (const DatabaseError& error) {
+        refuse(file, error);
     }
-    const bool inUse = exists(file + "-shm");
-    if (!inUse && holdsAnything(file + "-wal")) {
-        throw DatabaseError("its newest records are in " + file + "-wal, which can't be read without " + file + "-shm");
-    }
-    return SQLite::Database(uriOf(file) + (inUse ? "?readonly_shm=1" : "?immutable=1"),
-                            SQLite::OPEN_READONLY | SQLite::OPEN_URI, static_cast<int>(lockTimeout.count()));
 }
 
 }  // namespace
@@ -194,7 +191,7 @@ void refuse(const std::string& file, const std::exception& reason) {
 }
 
 SQLite::Database openLogbook(const std::string& file, std::uint32_t capacity) {
-    try {
+    return naming(file, [&] {
         SQLite::Database connection(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
                                     static_cast<int>(lockTimeout.count()));
         setSpaceAside(connection, capacity);
@@ -208,45 +205,34 @@ SQLite::Database openLogbook(const std::string& file, std::uint32_t capacity) {
                         std::to_string(checkpointBytes / pragma(connection, "page_size")));
         setLogSpaceAside(connection.getHandle());
         return connection;
-    } catch (const SQLite::Exception& exception) {
-        refuse(file, exception);
-    } catch (const DatabaseError& error) {
-        refuse(file, error);
-    }
+    });
+}
+
+// The index of the write-ahead log lies beside a logbook in use, and stays when it is closed; only read, it shows what
+// the log holds. Without it the file is a copy, to be taken as it is.
+SQLite::Database connectForReading(const std::string& file) {
+    return naming(file, [&] {
+        if (!exists(file)) {
+            throw DatabaseError("there is no such logbook");
+        }
+        const bool inUse = exists(file + "-shm");
+        if (!inUse && holdsAnything(file + "-wal")) {
+            throw DatabaseError("its newest records are in " + file + "-wal, which can't be read without " + file +
+                                "-shm");
+        }
+        return SQLite::Database(uriOf(file) + (inUse ? "?readonly_shm=1" : "?immutable=1"),
+                                SQLite::OPEN_READONLY | SQLite::OPEN_URI, static_cast<int>(lockTimeout.count()));
+    });
 }
 
 SQLite::Database openForReading(const std::string& file) {
-    try {
-        SQLite::Database connection = connectForReading(file);
+    SQLite::Database connection = connectForReading(file);
+    naming(file, [&] {
         if (contentOf(connection) == Content::Nothing) {
             throw DatabaseError("an empty database, not a logbook");
         }
-        return connection;
-    } catch (const SQLite::Exception& exception) {
-        refuse(file, exception);
-    } catch (const DatabaseError& error) {
-        refuse(file, error);
-    }
-}
-
-std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
-    const std::string file = path.string();
-    try {
-        SQLite::Database connection = connectForReading(file);
-        std::vector<std::string> damage;
-        SQLite::Statement check(connection, "PRAGMA integrity_check");
-        while (check.executeStep()) {
-            const std::string line = check.getColumn(0);
-            if (line != "ok") {
-                damage.push_back(line);
-            }
-        }
-        return damage;
-    } catch (const SQLite::Exception& exception) {
-        refuse(file, exception);
-    } catch (const DatabaseError& error) {
-        refuse(file, error);
-    }
+    });
+    return connection;
 }
 
 void emptyWriteAheadLog(SQLite::Database& connection) noexcept {

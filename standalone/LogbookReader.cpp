@@ -6,6 +6,7 @@
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Exception.h>
+#include <SQLiteCpp/Statement.h>
 
 #include <string>
 #include <utility>
@@ -74,6 +75,24 @@ std::int64_t LogbookReader::count() {
         return connection->database.execAndGet("SELECT count(*) FROM record").getInt64();
     } catch (const SQLite::Exception& exception) {
         refuse(connection->file, exception);
+    }
+}
+
+std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
+    const std::string file = path.string();
+    SQLite::Database connection = connectForReading(file);
+    try {
+        std::vector<std::string> damage;
+        SQLite::Statement check(connection, "PRAGMA integrity_check");
+        while (check.executeStep()) {
+            const std::string line = check.getColumn(0);
+            if (line != "ok") {
+                damage.push_back(line);
+            }
+        }
+        return damage;
+    } catch (const SQLite::Exception& exception) {
+        refuse(file, exception);
     }
 }
 

@@ -22,8 +22,9 @@ struct StoredRecord {
 };
 
 /// Reads the file of a logbook as it lies there, for tools. Changes and makes no file: a logbook in use by others is
-/// read as well as a copy on a medium that can't be written. What others add meanwhile is seen by the next call. For
-/// one thread.
+/// read as well as a copy on a medium that can't be written. What others add meanwhile is seen by the next call, unless
+/// there was no index of the write-ahead log (-shm) beside the file when it was opened: then it is taken for a copy
+/// that nobody changes. For one thread.
 class TQZEL_STANDALONE_EXPORT LogbookReader {
 public:
     /// @param path of the file
@@ -49,8 +50,8 @@ private:
 };
 
 /// What is wrong with the structure of a file, thoroughly checked, each index and page of it; empty when it is sound.
-/// Changes and makes no file.
-/// @throws DatabaseError when the file can't be read as a logbook at all
+/// Changes and makes no file. Whether it holds a logbook or another SQLite database makes no difference.
+/// @throws DatabaseError, naming the file and the reason, when there is none or it can't be read as a database at all
 TQZEL_STANDALONE_EXPORT std::vector<std::string> structuralDamage(const std::filesystem::path& file);
 
 }  // namespace standalone
