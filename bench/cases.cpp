@@ -15,7 +15,6 @@
 #include <standalone/SqliteDatabaseFactory.h>
 
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <stdexcept>

@@ -4,7 +4,7 @@
 #include "Shortage.h"
 #include "cases.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 

@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 #include <ctime>
 #include <deque>
 #include <iostream>

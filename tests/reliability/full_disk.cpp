@@ -17,7 +17,6 @@
 #include <array>
 #include <exception>
 #include <filesystem>
-#include <memory>
 #include <optional>
 
 namespace {

@@ -3,7 +3,6 @@
 #include "random.h"
 #include "vfs.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
