@@ -14,7 +14,7 @@
 namespace standalone {
 
 /// Where the logbooks are kept unless said otherwise: $TQZEL_LOGBOOK_DIR, else $XDG_STATE_HOME/tqzel-logbook, else
-/// $HOME/.local/state/tqzel-logbook.
+/// $HOME/.local/state/tqzel-logbook. Reads the environment, which no other thread may change meanwhile.
 /// @throws DatabaseError when none of the variables is set
 TQZEL_STANDALONE_EXPORT std::filesystem::path logbookFolder();
 

@@ -34,11 +34,13 @@ public:
     /// One page in the database's order, each description made anew.
     /// @param offset entries to skip, 0 is the first
     /// @param count most entries to return; fewer come back when some can't be read or must not be shown
-    /// @throws whatever the database throws. An entry that can't be read is logged at level 3 and left out instead, one
-    ///         that can't be described at level 4.
+    /// @throws whatever the database throws. An entry that can't be read, or in whose parameters a member has another
+    ///         JSON type than its words need, is logged at level 3 and left out instead; one that can't be described
+    ///         for an exception of the platform, at level 4.
     virtual std::vector<tqbase2::nsa::zel::logbook::Entry> fetch(unsigned int offset, unsigned int count) = 0;
 
-    /// All entries, as `fetch` returns them.
+    /// All entries, as `fetch` returns them. The database counts them first: an entry that is added before it fetches
+    /// them pushes the oldest out of the answer.
     virtual std::vector<tqbase2::nsa::zel::logbook::Entry> fetchAll() = 0;
 
 protected:

@@ -17,7 +17,8 @@ public:
 
     /// Opens the named database, making it when there is none. A ZelLogbook calls it twice, while it is made.
     /// @param name of the logbook, "lgbCustomer" or "lgbService"
-    /// @param first, second the platform's own numbers, handed on unchanged
+    /// @param first 6381 for both logbooks: a number that is the platform's own
+    /// @param second how many records to keep: 500 for the customer logbook, 1000 for the service logbook
     /// @return never null
     /// @throws whatever the platform throws when the database can't be opened
     virtual std::unique_ptr<IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const;
