@@ -116,20 +116,31 @@ void SqliteDatabase::add(const std::string& json, const lgb::timestamp::Timestam
     });
 }
 
-void SqliteDatabase::addAll(const std::vector<lgb::DatabaseRecord>& records) {
+std::int64_t SqliteDatabase::addAll(const std::vector<lgb::DatabaseRecord>& records) {
+    std::int64_t dropped = 0;
     commit([&] {
+        const std::int64_t before = stored();
         std::int64_t number = nextNumber() - 1;
         for (const lgb::DatabaseRecord& record : records) {
             insert(++number, record.json, record.timestamp);
         }
+        const std::int64_t all = stored();
         keepUpTo(number);
+        dropped = std::min(before, all - stored());
     });
+    return dropped;
 }
 
 std::int64_t SqliteDatabase::nextNumber() {
     const Use use(selectNextNumber);
     selectNextNumber.step();
     return selectNextNumber.number(0);
+}
+
+std::int64_t SqliteDatabase::stored() {
+    const Use use(selectCount);
+    selectCount.step();
+    return selectCount.number(0);
 }
 
 void SqliteDatabase::insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
@@ -158,11 +169,7 @@ void SqliteDatabase::clear() {
 }
 
 unsigned int SqliteDatabase::count() {
-    return guarded([&] {
-        const Use use(selectCount);
-        selectCount.step();
-        return static_cast<unsigned int>(selectCount.number(0));
-    });
+    return guarded([&] { return static_cast<unsigned int>(stored()); });
 }
 
 }  // namespace standalone

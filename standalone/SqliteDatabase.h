@@ -29,7 +29,8 @@ public:
     std::vector<lgb::DatabaseRecord> fetch(unsigned int offset, unsigned int count) override;
     void add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) override;
     /// Adds records, oldest first, in one transaction.
-    void addAll(const std::vector<lgb::DatabaseRecord>& records);
+    /// @return how many of those stored before were dropped
+    std::int64_t addAll(const std::vector<lgb::DatabaseRecord>& records);
     void clear() override;
     unsigned int count() override;
 
@@ -44,6 +45,7 @@ private:
     void commit(Change change);
 
     std::int64_t nextNumber();
+    std::int64_t stored();
     void insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp);
     void keepUpTo(std::int64_t number);
 

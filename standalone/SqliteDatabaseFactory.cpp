@@ -56,10 +56,10 @@ std::unique_ptr<lgb::IDatabase> SqliteDatabaseFactory::create(const char* name, 
     return std::make_unique<SqliteDatabase>(logbookFile(folder, name).string(), second);
 }
 
-void SqliteDatabaseFactory::addAll(const char* name, std::uint32_t capacity,
-                                   const std::vector<lgb::DatabaseRecord>& records) const {
+std::int64_t SqliteDatabaseFactory::addAll(const char* name, std::uint32_t capacity,
+                                           const std::vector<lgb::DatabaseRecord>& records) const {
     makeFolder(folder);
-    SqliteDatabase(logbookFile(folder, name).string(), capacity).addAll(records);
+    return SqliteDatabase(logbookFile(folder, name).string(), capacity).addAll(records);
 }
 
 }  // namespace standalone

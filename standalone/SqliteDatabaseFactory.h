@@ -36,11 +36,15 @@ public:
     ///         is damaged, or was written by a newer schema is left as it is.
     std::unique_ptr<lgb::IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const override;
 
-    /// Adds records to a logbook, oldest first, all of them or, when it throws, none.
-    /// @param name, capacity as for `create`
+    /// Adds records to a logbook, oldest first, all of them or, when it throws, none. Makes the logbook when missing,
+    /// and drops the oldest records beyond its capacity.
+    /// @param name of the logbook; the file is `name`.db
+    /// @param capacity in records; 0: unlimited
     /// @param records stored as they are, with the times they carry
+    /// @return how many records of those that the logbook held before were dropped
     /// @throws DatabaseError
-    void addAll(const char* name, std::uint32_t capacity, const std::vector<lgb::DatabaseRecord>& records) const;
+    std::int64_t addAll(const char* name, std::uint32_t capacity,
+                        const std::vector<lgb::DatabaseRecord>& records) const;
 
 private:
     std::filesystem::path folder;

@@ -2,10 +2,10 @@
 #include "logbooks.h"
 #include "output.h"
 #include "terminal.h"
+#include "words.h"
 
 #include <standalone/LogbookReader.h>
 #include <standalone/SqliteDatabaseFactory.h>
-#include <tqbase2/system/Exception.h>
 #include <tqbase2/system/JsonUtility.h>
 
 #include <unistd.h>
@@ -18,6 +18,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -27,7 +28,6 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 namespace tool {
@@ -167,15 +167,6 @@ DatabaseRecord recordOf(const std::string& line, std::int64_t number) {
     }
 }
 
-/// How many entries a logbook holds, none when there is none.
-std::int64_t entriesIn(const Selection& selection) {
-    return std::filesystem::exists(fileOf(selection)) ? standalone::LogbookReader(fileOf(selection)).count() : 0;
-}
-
-std::string entries(std::int64_t number) {
-    return std::to_string(number) + (number == 1 ? " entry" : " entries");
-}
-
 /// Some programs begin a text with U+FEFF.
 void skipByteOrderMark(std::istream& stream) {
     const std::string mark = "\xef\xbb\xbf";
@@ -185,6 +176,11 @@ void skipByteOrderMark(std::istream& stream) {
         }
         stream.get();
     }
+}
+
+/// std::cin takes an error for the end of what it reads.
+bool couldNotBeRead(const std::istream& stream) {
+    return stream.bad() || (&stream == &std::cin && std::ferror(stdin) != 0);
 }
 
 /// Reads all lines; of the records the newest that the logbook can keep are added.
@@ -200,17 +196,15 @@ void importFrom(std::istream& stream, const Selection& selection) {
             newest.pop_front();
         }
     }
-    if (stream.bad()) {
+    if (couldNotBeRead(stream)) {
         throw std::runtime_error("can't read on behind line " + std::to_string(number) + "; nothing was imported");
     }
-    const std::int64_t before = entriesIn(selection);
-    standalone::SqliteDatabaseFactory(folderOf(selection))
-        .addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
+    const std::int64_t dropped = standalone::SqliteDatabaseFactory(folderOf(selection))
+                                     .addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
     std::cout << entries(number) << " imported";
     if (number > capacity) {
         std::cout << ", of which the newest " << capacity << " are kept";
     }
-    const std::int64_t dropped = before + static_cast<std::int64_t>(newest.size()) - entriesIn(selection);
     if (dropped > 0) {
         std::cout << "; the oldest " << entries(dropped) << " of before made room";
     }

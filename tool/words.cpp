@@ -58,4 +58,8 @@ std::string listed(const std::vector<std::string>& words, const std::string& con
     return listed({words.begin(), words.end() - 1}) + ' ' + conjunction + ' ' + words.back();
 }
 
+std::string entries(std::int64_t count) {
+    return std::to_string(count) + (count == 1 ? " entry" : " entries");
+}
+
 }  // namespace tool

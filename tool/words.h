@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,5 +17,8 @@ std::string listed(const std::vector<std::string>& words);
 
 /// "a", "a or b", "a, b or c"
 std::string listed(const std::vector<std::string>& words, const std::string& conjunction);
+
+/// "1 entry", "2 entries"
+std::string entries(std::int64_t count);
 
 }  // namespace tool

@@ -216,6 +216,14 @@ TEST_F(Reader, ReadsWhatWasAddedAtOnce) {
     EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("4", "3", "2"));
 }
 
+TEST_F(Reader, IsToldHowManyOlderRecordsMadeRoom) {
+    const SqliteDatabaseFactory factory(folder.path());
+    EXPECT_EQ(factory.addAll("lgbTest", 3, {{{}, "1"}, {{}, "2"}}), 0);
+    EXPECT_EQ(factory.addAll("lgbTest", 3, {{{}, "3"}, {{}, "4"}}), 1);
+    EXPECT_EQ(factory.addAll("lgbTest", 3, {{{}, "5"}, {{}, "6"}, {{}, "7"}, {{}, "8"}}), 3);
+    EXPECT_EQ(factory.addAll("lgbTest", 0, {{{}, "9"}}), 0);
+}
+
 TEST_F(Reader, FindsNothingOfWhatCouldNotBeAddedAtOnce) {
     addAndClose(1, 2);
     support::execute(

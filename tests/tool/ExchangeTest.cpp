@@ -132,6 +132,18 @@ TEST_F(Exchange, NamesAFileThatCanNotBeReadOrWritten) {
               "tqzel-logbook: /dev/full: can't be written: No space left on device\n");
 }
 
+TEST_F(Exchange, ImportsNothingWhenItCanNotReadOn) {
+    const std::string expected = "tqzel-logbook: can't read on behind line 0; nothing was imported\n";
+    EXPECT_EQ(failure("import customer - </"), expected);
+    EXPECT_EQ(failure("import customer /proc/self/mem"), expected);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(Exchange, TakesAnEmptyFileForALogbookNotYetMade) {
+    support::write(customerFile(), "");
+    EXPECT_EQ(imported(line), "1 entry imported.\n");
+}
+
 TEST_F(Exchange, TellsOfDamagedEntriesItLeavesOut) {
     store("lgbCustomer", std::vector<lgb::DatabaseRecord>{{{1, 0, ""}, "spoilt"}, {{60, 7, "noon"}, "{}"}});
     change("UPDATE record SET json = 'changed' WHERE number = 1");
