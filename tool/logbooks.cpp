@@ -87,7 +87,7 @@ std::uint32_t capacityOf(const Selection& selection) {
 
 CLI::Option* declareLogbook(CLI::App& command, Selection& selection) {
     CLI::Option* const option = command.add_option("logbook", selection.logbook, "The logbook")->required();
-    return takeOneOf(option, {"customer", "service"});
+    return takeOneOf(option, logbookNames);
 }
 
 std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {

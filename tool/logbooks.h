@@ -9,13 +9,16 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tool {
+
+inline const std::vector<std::string> logbookNames{"customer", "service"};
 
 /// What every command is told: where the logbooks are, and which of the two is meant.
 struct Selection {
     std::filesystem::path folder;  ///< empty: the standalone platform's default
-    std::string logbook;           ///< "customer" or "service"
+    std::string logbook;           ///< one of logbookNames
 };
 
 /// Declares the argument that names a logbook.

@@ -144,6 +144,14 @@ TEST_F(Exchange, TakesAnEmptyFileForALogbookNotYetMade) {
     EXPECT_EQ(imported(line), "1 entry imported.\n");
 }
 
+TEST_F(Exchange, WritesBehindWhatAShellHasCollected) {
+    storeEvening();
+    const std::string file = elsewhere / "all";
+    support::write(file, line);
+    EXPECT_EQ(support::run(command("export customer --output /dev/stdout") + " >>" + file).exitCode, 0);
+    EXPECT_EQ(support::contentOf(file), line + output("export customer"));
+}
+
 TEST_F(Exchange, TellsOfDamagedEntriesItLeavesOut) {
     store("lgbCustomer", std::vector<lgb::DatabaseRecord>{{{1, 0, ""}, "spoilt"}, {{60, 7, "noon"}, "{}"}});
     change("UPDATE record SET json = 'changed' WHERE number = 1");
@@ -162,6 +170,15 @@ TEST_F(Exchange, SpoilsNeitherTheLogbookNorAnOlderExport) {
               "tqzel-logbook: --output: " + file + " is the customer logbook itself\n");
     EXPECT_EQ(wrongUse("export customer --output " + file + "-wal"),
               "tqzel-logbook: --output: " + file + "-wal is the customer logbook itself\n");
+    EXPECT_EQ(wrongUse("export customer --output " + file + "-journal"),
+              "tqzel-logbook: --output: " + file + "-journal is the customer logbook itself\n");
+    const std::string other = folder / "lgbService.db";  // not made yet
+    EXPECT_EQ(wrongUse("export customer --output " + other),
+              "tqzel-logbook: --output: " + other + " is the service logbook itself\n");
+    EXPECT_EQ(
+        error(support::run("cd " + folder.path().string() + "; " + command("export customer --output lgbService.db")),
+              2),
+        "tqzel-logbook: --output: lgbService.db is the service logbook itself\n");
     EXPECT_TRUE(files() == before);
 
     support::write(elsewhere / "lines", line);
@@ -182,7 +199,7 @@ TEST_F(Exchange, LeavesAnOlderExportWhenThereIsNoRoomForANewOne) {
     EXPECT_EQ(error(support::run(onSmallDisk + command("export customer --output " + file)), 1),
               "tqzel-logbook: " + file + ": can't be written: File too large\n");
     EXPECT_EQ(support::contentOf(file), line);
-    EXPECT_FALSE(std::filesystem::exists(file + ".part"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(elsewhere.path()), {}), 1);
 }
 
 }  // namespace
