@@ -4,10 +4,13 @@
 #include "logbooks.h"
 #include "terminal.h"
 #include "validators.h"
+#include "words.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <iostream>
 #include <limits>
 #include <map>
@@ -15,6 +18,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -22,14 +26,13 @@ namespace tool {
 
 namespace {
 
-constexpr std::chrono::milliseconds followInterval(300);
-
 /// What the command line asks to be shown.
 struct Request {
     unsigned int offset = 0;
     std::optional<unsigned int> count;
     bool all = false;
-    Order order;
+    std::optional<std::int64_t> after;
+    bool oldestFirst = false;
     bool follow = false;
     Filter filter;
     Look look;
@@ -43,11 +46,11 @@ constexpr unsigned int noLimit = std::numeric_limits<unsigned int>::max();
 
 /// Most entries to show. Who goes on where one left off wants all there is since.
 unsigned int mostOf(const Request& request) {
-    return request.all ? noLimit : request.count.value_or(request.order.after > 0 ? noLimit : usualCount);
+    return request.all ? noLimit : request.count.value_or(request.after ? noLimit : usualCount);
 }
 
 /// What was left out, by the reason for it.
-using LeftOut = std::map<Standing, int>;
+using LeftOut = std::map<Standing, std::int64_t>;
 
 bool isWanted(const ReadEntry& read, const Request& request, LeftOut& leftOut) {
     const bool matches = request.filter.matches(read);
@@ -61,25 +64,31 @@ bool isWanted(const ReadEntry& read, const Request& request, LeftOut& leftOut) {
 /// Nothing is hidden without a word.
 void tell(const LeftOut& leftOut) {
     for (const auto& [standing, count] : leftOut) {
-        std::cerr << "tqzel-logbook: not shown: " << count << (count == 1 ? " entry" : " entries") << " ("
-                  << nameOf(standing) << "); --raw shows them\n";
+        std::cerr << "tqzel-logbook: not shown: " << entries(count) << " (" << nameOf(standing)
+                  << "); --raw shows them\n";
     }
 }
 
-/// Shows a page: counted from the newest entry, also when the oldest one of it comes first.
-LeftOut showPage(standalone::LogbookReader& reader, const Selection& selection, const Request& request,
-                 Listing& listing) {
-    const unsigned int most = mostOf(request);
-    const bool turnsRound = request.order.oldestFirst && (most != noLimit || request.offset > 0);
-    const Order order{request.order.oldestFirst && !turnsRound, request.order.after};
+/// What came of a page.
+struct Page {
     LeftOut leftOut;
+    std::int64_t newest = 0;  ///< the highest number that was seen
+};
+
+/// Shows a page: counted from the newest entry, also when the oldest one of it comes first.
+Page showPage(standalone::LogbookReader& reader, const Selection& selection, const Request& request, Listing& listing) {
+    const unsigned int most = mostOf(request);
+    const bool turnsRound = request.oldestFirst && (most != noLimit || request.offset > 0);
+    const Order order{request.oldestFirst && !turnsRound, request.after.value_or(0)};
+    Page page;
     std::uint64_t wanted = 0;
     std::deque<ReadEntry> turned;
     forEachEntry(reader, order, isService(selection), [&](ReadEntry&& read) {
+        page.newest = std::max(page.newest, read.number);
         if (wanted == std::uint64_t{request.offset} + most) {
             return false;
         }
-        if (!isWanted(read, request, leftOut) || ++wanted <= request.offset) {
+        if (!isWanted(read, request, page.leftOut) || ++wanted <= request.offset) {
             return true;
         }
         if (turnsRound) {
@@ -93,57 +102,85 @@ LeftOut showPage(standalone::LogbookReader& reader, const Selection& selection, 
         listing.add(read);
     }
     listing.end();
-    return leftOut;
+    return page;
 }
 
-/// Shows the newest entries, then each that comes, until interrupted.
-[[noreturn]] void follow(const Selection& selection, const Request& request, Listing& listing) {
-    Order order{true, request.order.after};
-    std::size_t most = mostOf(request);
-    while (true) {
-        standalone::LogbookReader reader(fileOf(selection));  // anew, as others may only now begin to use the file
-        LeftOut leftOut;
-        std::deque<ReadEntry> newest;
-        forEachEntry(reader, order, isService(selection), [&](ReadEntry&& read) {
-            order.after = read.number;
-            if (isWanted(read, request, leftOut)) {
-                newest.push_back(std::move(read));
-            }
-            if (newest.size() > most) {
-                newest.pop_front();
-            }
-            return true;
-        });
-        for (const ReadEntry& read : newest) {
-            listing.add(read);
+/// Tells when a logbook may have been written to: cheaper than to open it.
+class Watch {
+public:
+    explicit Watch(std::filesystem::path logbook) : file(std::move(logbook)) {}
+
+    /// Whether it may have been since the last call; the first time: yes.
+    bool hasChanged() {
+        const Writings found{writingOf(file), writingOf(file.string() + "-wal")};
+        if (found == seen) {
+            return false;
         }
-        listing.flush();
+        // What is written to again so soon may keep its time, which some media count in steps of two seconds.
+        const auto settled = std::filesystem::file_time_type::clock::now() - std::chrono::seconds(3);
+        seen = found.first.time < settled && found.second.time < settled ? std::optional(found) : std::nullopt;
+        return true;
+    }
+
+private:
+    struct Writing {
+        std::filesystem::file_time_type time;
+        std::uintmax_t size;
+
+        bool operator==(const Writing& other) const { return time == other.time && size == other.size; }
+    };
+
+    using Writings = std::pair<Writing, Writing>;
+
+    static Writing writingOf(const std::filesystem::path& file) {
+        std::error_code none;  // such as that there is no log
+        return {std::filesystem::last_write_time(file, none), std::filesystem::file_size(file, none)};
+    }
+
+    std::filesystem::path file;
+    std::optional<Writings> seen;
+};
+
+/// Shows the newest entries, then each that comes, until interrupted.
+[[noreturn]] void follow(const Selection& selection, Request request) {
+    request.oldestFirst = true;
+    request.look.goesOn = true;
+    std::unique_ptr<Listing> listing;
+    for (Watch watch(fileOf(selection));; std::this_thread::sleep_for(std::chrono::milliseconds(300))) {
+        if (!watch.hasChanged()) {
+            continue;
+        }
+        standalone::LogbookReader reader(fileOf(selection));  // anew, as others may only now begin to use the file
+        if (!listing) {
+            listing = createListing(request.format, request.look);  // begins to write
+        }
+        const Page page = showPage(reader, selection, request, *listing);
+        listing->flush();
         if (!std::cout) {
             throw std::runtime_error("can't write to standard output");
         }
-        tell(leftOut);
-        most = noLimit;
-        std::this_thread::sleep_for(followInterval);
+        tell(page.leftOut);
+        request.after = std::max(page.newest, request.after.value_or(0));
+        request.count = noLimit;
     }
 }
 
-LeftOut showInPager(standalone::LogbookReader& reader, const Selection& selection, const Request& request) {
+LeftOut showInPager(const Selection& selection, const Request& request) {
+    standalone::LogbookReader reader(fileOf(selection));
     const Pager pager(request.format == "table" && !request.noPager);
-    return showPage(reader, selection, request, *createListing(request.format, request.look));
+    return showPage(reader, selection, request, *createListing(request.format, request.look)).leftOut;
 }
 
 void show(const Selection& selection, Request request) {
     if (request.follow && request.format == "json") {
         throw CLI::ValidationError("--follow", "what goes on has no end, as json needs one; jsonl does not");
     }
-    standalone::LogbookReader reader(fileOf(selection));
     request.look.coloured = isColoured(request.colour);
     request.look.width = terminalWidth();
     if (request.follow) {
-        request.look.goesOn = true;
-        follow(selection, request, *createListing(request.format, request.look));
+        follow(selection, request);
     }
-    tell(showInPager(reader, selection, request));  // not into the page that the pager shows
+    tell(showInPager(selection, request));  // not into the page that the pager shows
 }
 
 }  // namespace
@@ -153,17 +190,19 @@ void declareShow(CLI::App& app, Selection& selection) {
     const auto request = std::make_shared<Request>();
     declareLogbook(command, selection);
     takeNumber(command.add_option("--offset", request->offset, "Entries to skip, 0 unless given"), noLimit);
-    takeNumber(command.add_option("--count", request->count, "Most entries to show, 20 unless given"), noLimit);
+    takeNumber(command.add_option("--count", request->count, "Most entries to show; unless given 20, with --after all"),
+               noLimit);
     command.add_flag("--all", request->all, "Show every entry")->excludes("--offset")->excludes("--count");
-    takeNumber(command.add_option("--after", request->order.after,
-                                  "Only entries with numbers above, to go on where one left off"),
-               std::numeric_limits<std::int64_t>::max());
-    command.add_flag("--reverse", request->order.oldestFirst, "Oldest entry first");
+    takeNumber(
+        command.add_option("--after", request->after, "Only entries with numbers above, to go on where one left off"),
+        std::numeric_limits<std::int64_t>::max());
+    command.add_flag("--reverse", request->oldestFirst, "Oldest entry first");
     command.add_flag("--follow", request->follow, "Then show new entries as they come, until interrupted")
         ->excludes("--offset")
         ->excludes("--all");
     declareFilter(command, request->filter);
-    takeOneOf(command.add_option("--format", request->format, "How to show them, table unless given"), listingFormats);
+    takeOneOf(command.add_option("--format", request->format, "How to show them, table unless given"),
+              listingFormats);
     command.add_flag("--raw", request->look.raw, "With code and parameters; also what the logbook leaves out, and why");
     command.add_flag("--utc", request->look.utc, "Times in UTC, else as they were when the entry was made");
     takeOneOf(command.add_option("--color", request->colour,

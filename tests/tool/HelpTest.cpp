@@ -97,8 +97,10 @@ TEST_F(Help, TellsArgumentsOptionsAndExamplesOfACommand) {
 TEST_F(Help, GroupsOptionsAndKeepsToALineOf100Columns) {
     EXPECT_THAT(help("add"), testing::HasSubstr("\nParameters:\n  --bus NUMBER                Bus of the module\n"));
     EXPECT_THAT(help("show"), testing::HasSubstr("\nWhich entries:\n  --type info|warning|error   Only of this type"));
-    EXPECT_THAT(help("show"), testing::HasSubstr("  --count NUMBER              Most entries to show, 20 unless given; "
-                                                 "not with --all\n"));
+    EXPECT_THAT(help("show"),
+                testing::HasSubstr(
+                    "  --count NUMBER              Most entries to show; unless given 20, with --after all; not with\n"
+                    "                              --all\n"));
     for (const std::string& command : commands) {
         for (const std::string& line : linesOf(help(command))) {
             EXPECT_LE(line.size(), 100U) << line;

@@ -2,7 +2,6 @@
 
 #include <json/reader.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <ctime>
@@ -139,6 +138,7 @@ TEST_F(Show, GoesOnBehindANumber) {
     EXPECT_EQ(numbers("--after 27 --count 1"), "30");
     EXPECT_EQ(numbers("--after 30"), "");
     EXPECT_EQ(numbers("--after 5 --reverse").substr(0, 6), "6 7 8 ");  // more than the usual 20
+    EXPECT_EQ(numbers("--after 0 --reverse").substr(0, 6), "1 2 3 ");
 }
 
 TEST_F(Show, MarksWhereTheClockWasSetBack) {
@@ -384,6 +384,34 @@ TEST_F(Show, FollowsWhatOthersAdd) {
 
     store("lgbCustomer", std::vector<std::string>{document("E", 79, ""), document("I", 229, "")});
     expected += "  5  2026-11-21 19:01:00 +0100  Info     RF was turned on.\n";
+    EXPECT_EQ(follower.printed(expected.size()), expected);
+}
+
+TEST_F(Show, FollowsWhatIsAddedAfterALongQuiet) {
+    storeEvening();
+    for (const auto& file : std::filesystem::directory_iterator(folder.path())) {
+        std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+    const Follower follower(command("show customer --follow --count 1 --format jsonl"));
+    const std::string shown = follower.printed(1);
+    EXPECT_THAT(shown, HasSubstr(R"("number":3)"));
+    std::this_thread::sleep_for(std::chrono::seconds(1));  // lets it look a few times in vain
+    store("lgbCustomer", std::vector<std::string>{document("I", 229, "")});
+    EXPECT_THAT(follower.printed(shown.size() + 1).substr(shown.size()), HasSubstr(R"("number":4)"));
+}
+
+TEST_F(Show, TellsWhatItLeavesOutWhileItFollows) {
+    storeFlawed();
+    store("lgbCustomer", std::vector<lgb::DatabaseRecord>{{minute(5), document("I", 20, "")}});
+    const std::string headings = "No.  Time                       Type     Description\n";
+    std::string expected = headings + "  6  2026-11-21 19:05:00 +0100  Info     System restarted.\n";
+    const Follower follower(command("show customer --follow --count 1"));  // as without --follow, only of its page
+    EXPECT_EQ(follower.printed(expected.size()), expected);
+
+    store("lgbCustomer", std::vector<std::string>{freeText("x"), document("I", 229, "")});
+    expected +=
+        "  8  2026-11-21 19:01:00 +0100  Info     RF was turned on.\n"
+        "tqzel-logbook: not shown: 1 entry (service only); --raw shows them\n";
     EXPECT_EQ(follower.printed(expected.size()), expected);
 }
 
