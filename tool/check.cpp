@@ -2,15 +2,14 @@
 #include "entries.h"
 #include "logbooks.h"
 #include "terminal.h"
+#include "words.h"
 
 #include <standalone/errors.h>
 
-#include <filesystem>
 #include <iostream>
-#include <map>
-#include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -37,14 +36,15 @@ bool entriesAreReadable(const Selection& selection) {
         }
         return true;
     });
-    std::cout << "sound, " << shown << " of " << all << (all == 1 ? " entry" : " entries") << " readable\n" << faults;
+    std::cout << "sound, " << shown << " of " << entries(all) << " readable\n" << faults;
     return shown == all;
 }
 
 /// Prints what a file is like.
 /// @return whether all of it is as it should be
 bool isSound(const Selection& selection) {
-    std::cout << fileOf(selection).string() << ": ";
+    const std::string prefix = fileOf(selection).string() + ": ";
+    std::cout << printable(prefix);
     try {
         const auto damage = standalone::structuralDamage(fileOf(selection));
         for (const std::string& line : damage) {
@@ -52,18 +52,15 @@ bool isSound(const Selection& selection) {
         }
         return damage.empty() && entriesAreReadable(selection);
     } catch (const standalone::DatabaseError& error) {
-        const std::string prefix = fileOf(selection).string() + ": ";
         const std::string text = error.what();
-        std::cout << (text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text) << '\n';
+        std::cout << printable(text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text) << '\n';
         return false;
     }
 }
 
 void check(const Selection& selection) {
-    const std::vector<std::string> names = selection.logbook.empty() ? std::vector<std::string>{"customer", "service"}
-                                                                     : std::vector<std::string>{selection.logbook};
     bool sound = true;
-    for (const std::string& name : names) {
+    for (const std::string& name : selection.logbook.empty() ? logbookNames : std::vector{selection.logbook}) {
         sound = isSound({selection.folder, name}) && sound;
     }
     if (!sound) {

@@ -47,6 +47,11 @@ TEST_F(Check, NamesEachEntryThatIsNotShown) {
                   "  entry 6 unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
 }
 
+TEST_F(Check, KeepsTheNameOfAFolderFromSteeringTheTerminal) {
+    EXPECT_EQ(complaint("customer --folder \"$(printf 'red\\033[31m')\""),
+              "red\\x1b[31m/lgbCustomer.db: there is no such logbook\n");
+}
+
 TEST_F(Check, NamesWhatIsDamagedInTheStructure) {
     storeEvening();
     change("PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
