@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <stdexcept>
+#include <vector>
 
 namespace tool {
 
@@ -97,8 +99,12 @@ constexpr ParameterOption options[] = {
 // clang-format on
 
 const ParameterOption& optionOf(const std::string& key) {
-    return *std::find_if(std::begin(options), std::end(options),
-                         [&](const ParameterOption& option) { return option.key == key; });
+    const auto* const found = std::find_if(std::begin(options), std::end(options),
+                                           [&](const ParameterOption& option) { return option.key == key; });
+    if (found == std::end(options)) {
+        throw std::logic_error("no option stands for \"" + key + '"');
+    }
+    return *found;
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <json/value.h>
 
 #include <string>
-#include <vector>
 
 namespace tool {
 
@@ -23,6 +22,7 @@ void declareParameters(CLI::App& command, Parameters& parameters);
 Json::Value recordOf(const Parameters& parameters);
 
 /// The option for a member of the record: "--operating-class" for "operatingClass".
+/// @throws std::logic_error, here and below, for a key that no message reads
 std::string optionFor(const std::string& key);
 
 /// What a member of the record must be, such as "a number from 0 to 4294967295"; empty when it is.

@@ -1,4 +1,5 @@
 #include "ToolFixture.h"
+#include "parameters.h"
 
 #include <lgb/catalogue.h>
 
@@ -6,6 +7,7 @@
 #include <filesystem>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -294,6 +296,11 @@ TEST_F(Help, KnowsAnOptionForEachParameterOfEachMessage) {
             }
         }
     }
+}
+
+TEST_F(Help, KnowsNoOptionForWhatNoMessageReads) {
+    EXPECT_THAT([] { tool::optionFor("colour"); },
+                testing::ThrowsMessage<std::logic_error>("no option stands for \"colour\""));
 }
 
 TEST_F(Help, TakesNumbersAsDecimalsWhateverTheyStartWith) {
