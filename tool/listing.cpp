@@ -1,7 +1,9 @@
 #include "listing.h"
 
 #include "moments.h"
+#include "table.h"
 #include "terminal.h"
+#include "validators.h"
 
 #include <nsa/zel/converter/zel/enums/GenerationConverter.h>
 #include <tqbase2/system/JsonUtility.h>
@@ -176,7 +178,7 @@ Json::Value jsonOf(const ReadEntry& read) {
         json["document"] = validUtf8(read.document);
         return json;
     }
-    json["type"] = lookOf(read).name;
+    json["type"] = nameOf(entry.type);
     json["code"] = codeOf(entry);
     json["description"] = validUtf8(entry.description);
     json["unit"] = numberOrNull(entry.details.unit);
@@ -231,7 +233,7 @@ public:
             std::to_string(read.number),
             iso8601(entry.timestamp.seconds, entry.timestamp.nanoseconds),
             nameOf(read.standing),
-            readable ? lookOf(read).name : "",
+            readable ? nameOf(entry.type) : "",
             readable ? codeOf(entry) : "",
             number(entry.details.unit),
             number(entry.details.device),
@@ -265,11 +267,12 @@ constexpr Format formats[] = {
 
 }  // namespace
 
-const std::vector<std::string> listingFormats{"table", "json", "jsonl", "csv"};
+std::vector<std::string> listingFormats() {
+    return namesIn(formats);
+}
 
 std::unique_ptr<Listing> createListing(const std::string& format, const Look& look) {
-    return std::find_if(std::begin(formats), std::end(formats), [&](const Format& each) { return each.name == format; })
-        ->create(look);
+    return rowNamed(formats, format).create(look);
 }
 
 }  // namespace tool

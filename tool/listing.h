@@ -36,7 +36,7 @@ public:
 };
 
 /// The names of the forms a listing can take.
-extern const std::vector<std::string> listingFormats;
+std::vector<std::string> listingFormats();
 
 std::unique_ptr<Listing> createListing(const std::string& format, const Look& look);
 

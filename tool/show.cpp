@@ -202,7 +202,7 @@ void declareShow(CLI::App& app, Selection& selection) {
         ->excludes("--all");
     declareFilter(command, request->filter);
     takeOneOf(command.add_option("--format", request->format, "How to show them, table unless given"),
-              listingFormats);
+              listingFormats());
     command.add_flag("--raw", request->look.raw, "With code and parameters; also what the logbook leaves out, and why");
     command.add_flag("--utc", request->look.utc, "Times in UTC, else as they were when the entry was made");
     takeOneOf(command.add_option("--color", request->colour,

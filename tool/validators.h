@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -18,6 +19,11 @@ inline const std::vector<std::string> typeNames{"info", "warning", "error"};
 inline tqbase2::nsa::zel::enums::LogbookEntryType typeNamed(const std::string& name) {
     const auto found = std::find(typeNames.begin(), typeNames.end(), name);
     return static_cast<tqbase2::nsa::zel::enums::LogbookEntryType>(found - typeNames.begin());
+}
+
+/// How a type is called on the command line and in what programs read.
+inline const std::string& nameOf(tqbase2::nsa::zel::enums::LogbookEntryType type) {
+    return typeNames[static_cast<std::size_t>(type)];
 }
 
 /// One of the words, spelled exactly. The type name is the words, with bars between.

@@ -224,7 +224,7 @@ TEST_F(Show, WritesJsonLines) {
               R"({"code":"W63","description":"Unit 2: ","device":null,"generation":"Heron","number":3,)"
               R"("parameters":{"bus":"x"},"reason":"a parameter can't be read: Value is not convertible to UInt64.",)"
               R"("standing":"wordless",)"
-              R"("time":"2026-11-21T18:02:00Z","timeText":"2026-11-21 19:02:00 +0100","type":"Warning","unit":2})"
+              R"("time":"2026-11-21T18:02:00Z","timeText":"2026-11-21 19:02:00 +0100","type":"warning","unit":2})"
               "\n");
 }
 
@@ -263,9 +263,9 @@ TEST_F(Show, WritesCsvThatComesBackAsItWas) {
         support::run(command("show service --format csv") + " | python3 " + (folder / "read.py").string());
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.output,
-              "[['2', '2026-11-21T18:01:00Z', 'shown', 'Error', 'E14', '', '', 'Heron', "
+              "[['2', '2026-11-21T18:01:00Z', 'shown', 'error', 'E14', '', '', 'Heron', "
               "'Setting attenuation failed for amplifier 3 on bus 1!', '{\"bus\":1,\"module\":3}'], "
-              "['1', '2026-11-21T18:00:00Z', 'shown', 'Info', 'I0', '', '', 'Heron', "
+              "['1', '2026-11-21T18:00:00Z', 'shown', 'info', 'I0', '', '', 'Heron', "
               "'one, \"two\"\\r\\nthree \\u6f22', '']]\n");
 }
 
