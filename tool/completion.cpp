@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "interface.h"
+#include "table.h"
 #include "validators.h"
 
 #include <iostream>
@@ -191,13 +192,20 @@ void printZsh(const Interface& all) {
     std::cout << "esac\n";
 }
 
+struct Shell {
+    const char* name;
+    void (*print)(const Interface& all);
+};
+
+constexpr Shell shells[] = {{"bash", printBash}, {"zsh", printZsh}};
+
 }  // namespace
 
 void declareCompletion(CLI::App& app) {
     CLI::App& command = *app.add_subcommand("completion", "Print the completion for a shell")->group("");
     const auto shell = std::make_shared<std::string>();
-    takeOneOf(command.add_option("shell", *shell, "The shell")->required(), {"bash", "zsh"});
-    command.callback([&app, shell] { *shell == "bash" ? printBash(interfaceOf(app)) : printZsh(interfaceOf(app)); });
+    takeOneOf(command.add_option("shell", *shell, "The shell")->required(), namesIn(shells));
+    command.callback([&app, shell] { rowNamed(shells, *shell).print(interfaceOf(app)); });
 }
 
 }  // namespace tool

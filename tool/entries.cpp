@@ -7,7 +7,6 @@
 #include <lgb/ServiceDescriptionCreator.h>
 #include <lgb/catalogue.h>
 #include <nsa/zel/converter/zel/structs/LogbookEntryConverter.h>
-#include <tqbase2/system/Exception.h>
 #include <tqbase2/system/JsonUtility.h>
 
 #include <algorithm>
@@ -15,8 +14,6 @@
 #include <cstdint>
 #include <exception>
 #include <limits>
-#include <memory>
-#include <utility>
 #include <vector>
 
 namespace tool {
@@ -90,15 +87,18 @@ bool isRead(const ReadEntry& read) {
     return read.standing != Standing::Unreadable && read.standing != Standing::Damaged;
 }
 
+std::string codeOf(enums::LogbookEntryType type, std::uint32_t id) {
+    return std::string(enums::logbookEntryTypeSpellings[static_cast<std::size_t>(type)]) + std::to_string(id);
+}
+
 std::string codeOf(const Entry& entry) {
-    constexpr const char* letters = "IWE";
-    return letters[static_cast<std::size_t>(entry.type)] + std::to_string(static_cast<std::uint32_t>(entry.code));
+    return codeOf(entry.type, static_cast<std::uint32_t>(entry.code));
 }
 
 std::map<std::string, std::string> wordings() {
     std::map<std::string, std::string> words;
     for (const lgb::catalogue::Message& message : lgb::catalogue::messages()) {
-        words["IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id)] = message.words;
+        words[codeOf(message.type, message.id)] = message.words;
     }
     return words;
 }

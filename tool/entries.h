@@ -37,6 +37,8 @@ struct ReadEntry {
 bool isRead(const ReadEntry& read);
 
 /// "E14", the short name of a message.
+std::string codeOf(tqbase2::nsa::zel::enums::LogbookEntryType type, std::uint32_t id);
+
 std::string codeOf(const tqbase2::nsa::zel::logbook::Entry& entry);
 
 /// The wording of each message by its short name.

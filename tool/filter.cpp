@@ -7,18 +7,16 @@
 #include <re2/re2.h>
 
 #include <algorithm>
-#include <cctype>
+#include <functional>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
 
 namespace tool {
 
-using tqbase2::nsa::zel::enums::LogbookEntryType;
+namespace enums = tqbase2::nsa::zel::enums;
 
 namespace {
-
-constexpr const char* filterGroup = "Which entries";
 
 Span parsedSpan(const std::string& option, const std::string& text) {
     try {
@@ -50,6 +48,24 @@ bool isOneOf(const std::vector<lgb::code::Code>& codes, const ReadEntry& read) {
            });
 }
 
+/// An option that may be given several times, also with several values between commas.
+CLI::Option* declareEach(CLI::App& command, const std::string& name,
+                         const std::function<void(const std::string&)>& take, const std::string& help) {
+    const auto takeAll = [take](const std::vector<std::string>& values) {
+        std::for_each(values.begin(), values.end(), take);
+    };
+    return command.add_option_function<std::vector<std::string>>(name, takeAll, help + "; may be given several times")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+}
+
+/// An option for one end of what a text speaks of.
+CLI::Option* declareTime(CLI::App& command, const std::string& name, std::optional<std::int64_t>& moment,
+                         std::int64_t Span::*end, const std::string& help) {
+    const auto take = [name, &moment, end](const std::string& text) { moment = parsedSpan(name, text).*end; };
+    return command.add_option_function<std::string>(name, take, help)->type_name("TIME");
+}
+
 }  // namespace
 
 bool Filter::matches(const ReadEntry& read) const {
@@ -70,63 +86,39 @@ bool Filter::matchesContent(const ReadEntry& read) const {
 }
 
 lgb::code::Code codeNamed(const std::string& argument, const std::string& name) {
-    constexpr std::string_view letters = "IWE";
-    const auto type = name.empty() ? std::string_view::npos
-                                   : letters.find(static_cast<char>(std::toupper(static_cast<unsigned char>(name[0]))));
+    const auto& letters = enums::logbookEntryTypeSpellings;
+    const auto isMeant = [given = CLI::detail::to_lower(name.substr(0, 1))](std::string_view letter) {
+        return CLI::detail::to_lower(std::string(letter)) == given;
+    };
+    const auto* const type = std::find_if(letters.begin(), letters.end(), isMeant);
     std::uint32_t id = 0;
-    if (type == std::string_view::npos || !readDecimal(std::string_view(name).substr(1), id)) {
+    if (type == letters.end() || !readDecimal(std::string_view(name).substr(1), id)) {
         throw CLI::ValidationError(argument, '"' + name + "\" is no code; expected E, W or I and a number, like E14");
     }
-    return {id, static_cast<LogbookEntryType>(type)};
+    return {id, static_cast<enums::LogbookEntryType>(type - letters.begin())};
 }
 
 void declareFilter(CLI::App& command, Filter& filter) {
     constexpr auto highest = std::numeric_limits<std::int32_t>::max();
-    takeOneOf(command.add_option_function<std::vector<std::string>>(
-                  "--type",
-                  [&filter](const std::vector<std::string>& names) {
-                      for (const std::string& name : names) {
-                          filter.types.push_back(typeNamed(name));
-                      }
-                  },
-                  "Only of this type; may be given several times"),
-              typeNames)
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->group(filterGroup);
-    command
-        .add_option_function<std::vector<std::string>>(
-            "--code",
-            [&filter](const std::vector<std::string>& names) {
-                for (const std::string& name : names) {
-                    filter.codes.push_back(codeNamed("--code", name));
-                }
-            },
-            "Only with this code, such as E14; may be given several times")
-        ->type_name("CODE")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->group(filterGroup);
-    takeNumber(command.add_option("--unit", filter.unit, "Only of this unit"), highest)->group(filterGroup);
-    takeNumber(command.add_option("--device", filter.device, "Only of this device"), highest)->group(filterGroup);
-    command
-        .add_option_function<std::string>(
-            "--since", [&filter](const std::string& text) { filter.since = parsedSpan("--since", text).first; },
-            "Only from this time on: a day, a time, or \"2 hours ago\"")
-        ->type_name("TIME")
-        ->group(filterGroup);
-    command
-        .add_option_function<std::string>(
-            "--until", [&filter](const std::string& text) { filter.until = parsedSpan("--until", text).last; },
-            "Only up to this time; a day counts whole")
-        ->type_name("TIME")
-        ->group(filterGroup);
-    command
-        .add_option_function<std::string>(
-            "--grep", [&filter](const std::string& text) { filter.pattern = parsedPattern(text); },
-            "Only with this regular expression in the description, in upper or lower case")
-        ->type_name("PATTERN")
-        ->group(filterGroup);
+    const auto takeType = [&filter](const std::string& name) { filter.types.push_back(typeNamed(name)); };
+    const auto takeCode = [&filter](const std::string& name) { filter.codes.push_back(codeNamed("--code", name)); };
+    const auto takePattern = [&filter](const std::string& text) { filter.pattern = parsedPattern(text); };
+    CLI::Option* const options[] = {
+        takeOneOf(declareEach(command, "--type", takeType, "Only of this type"), typeNames),
+        declareEach(command, "--code", takeCode, "Only with this code, such as E14")->type_name("CODE"),
+        takeNumber(command.add_option("--unit", filter.unit, "Only of this unit"), highest),
+        takeNumber(command.add_option("--device", filter.device, "Only of this device"), highest),
+        declareTime(command, "--since", filter.since, &Span::first,
+                    "Only from this time on: a day, a time, or \"2 hours ago\""),
+        declareTime(command, "--until", filter.until, &Span::last, "Only up to this time; a day counts whole"),
+        command
+            .add_option_function<std::string>(
+                "--grep", takePattern, "Only with this regular expression in the description, in upper or lower case")
+            ->type_name("PATTERN"),
+    };
+    for (CLI::Option* const option : options) {
+        option->group("Which entries");
+    }
 }
 
 }  // namespace tool

@@ -5,7 +5,6 @@
 #include "words.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace tool {
 

@@ -48,7 +48,7 @@ Interface interfaceOf(const CLI::App& app);
 /// The name of a command together with the tool's: "tqzel-logbook show".
 std::string nameOf(const Command& command);
 
-/// "show [OPTION...] customer|service" behind the tool's name.
+/// "tqzel-logbook show [OPTION...] customer|service"
 std::string usageOf(const Command& command);
 
 /// The groups of a command's options in the order of their first options.

@@ -1,7 +1,9 @@
 #include "messages.h"
 
 #include "commands.h"
+#include "entries.h"
 #include "filter.h"
+#include "table.h"
 #include "terminal.h"
 #include "validators.h"
 
@@ -49,10 +51,6 @@ Message messageOf(const lgb::code::Code& code, const std::string& argument, cons
 
 namespace {
 
-std::string codeOf(const Message& message) {
-    return "IWE"[static_cast<std::size_t>(message.type)] + std::to_string(message.id);
-}
-
 std::string membersText(const Message& message) {
     std::string text;
     for (const Place& member : membersOf(message)) {
@@ -67,7 +65,7 @@ void printTable(const std::vector<Message>& messages) {
     const Pager pager(true);
     for (const Message& message : messages) {
         const std::string members = membersText(message);
-        std::string start = fmt::format("{:<{}}", codeOf(message), indent);
+        std::string start = fmt::format("{:<{}}", codeOf(message.type, message.id), indent);
         for (const std::string& line :
              wrapped(wordingOf(message) + (members.empty() ? "" : "  [" + members + ']'), width)) {
             std::cout << start << line << '\n';
@@ -81,9 +79,8 @@ void printMarkdown(const std::vector<Message>& messages) {
         << "# Messages\n\nMade by `tqzel-logbook messages --format markdown`. A name in braces is a place that the "
            "parameter\nrecord fills in.\n\n| code | type | wording | parameters |\n|---|---|---|---|\n";
     for (const Message& message : messages) {
-        std::cout << fmt::format("| {} | {} | {} | {} |\n", codeOf(message),
-                                 typeNames[static_cast<std::size_t>(message.type)], wordingOf(message),
-                                 membersText(message));
+        std::cout << fmt::format("| {} | {} | {} | {} |\n", codeOf(message.type, message.id), nameOf(message.type),
+                                 wordingOf(message), membersText(message));
     }
 }
 
@@ -91,8 +88,8 @@ void printJson(const std::vector<Message>& messages) {
     Json::Value list(Json::arrayValue);
     for (const Message& message : messages) {
         Json::Value json;
-        json["code"] = codeOf(message);
-        json["type"] = typeNames[static_cast<std::size_t>(message.type)];
+        json["code"] = codeOf(message.type, message.id);
+        json["type"] = nameOf(message.type);
         json["id"] = message.id;
         json["wording"] = wordingOf(message);
         json["parameters"] = Json::Value(Json::objectValue);
@@ -118,14 +115,12 @@ void listMessages(const std::string& type, const std::string& format) {
             messages.push_back(message);
         }
     }
-    std::find_if(std::begin(listFormats), std::end(listFormats), [&](const ListFormat& each) {
-        return each.name == format;
-    })->print(messages);
+    rowNamed(listFormats, format).print(messages);
 }
 
 void explain(const std::string& name) {
     const Message message = messageOf(codeNamed("code", name), "code", name);
-    std::cout << codeOf(message) << "  " << wordingOf(message) << '\n';
+    std::cout << codeOf(message.type, message.id) << "  " << wordingOf(message) << '\n';
     for (const Place& place : message.places) {
         std::cout << fmt::format("  {{{}}} is made from parameter \"{}\": {}\n", place.name, place.key, place.holds);
     }
@@ -138,8 +133,7 @@ void declareMessages(CLI::App& app) {
     const auto type = std::make_shared<std::string>();
     const auto format = std::make_shared<std::string>("table");
     takeOneOf(command.add_option("--type", *type, "Only of this type"), typeNames);
-    takeOneOf(command.add_option("--format", *format, "How to show them, table unless given"),
-              {"table", "markdown", "json"});
+    takeOneOf(command.add_option("--format", *format, "How to show them, table unless given"), namesIn(listFormats));
     command.callback([type, format] { listMessages(*type, *format); });
 }
 

@@ -137,21 +137,15 @@ std::optional<Span> named(const std::string& text, std::int64_t now) {
     return std::nullopt;
 }
 
-std::string formatted(const std::tm& time, const char* format) {
-    return fmt::format(fmt::runtime(fmt::format("{{:{}}}", format)), time);
-}
+using Calendar = std::tm* (*)(const std::time_t*, std::tm*);
 
-std::string utcFormatted(std::int64_t seconds, const char* format) {
+/// @param calendar gmtime_r, or localtime_r for local time
+std::string formatted(std::int64_t seconds, Calendar calendar, const char* format) {
     const auto time = static_cast<std::time_t>(seconds);
     std::tm parts{};
     // A time beyond all years that the calendar holds is shown as the number it is.
-    return gmtime_r(&time, &parts) == nullptr ? std::to_string(seconds) : formatted(parts, format);
-}
-
-std::string localFormatted(std::int64_t seconds, const char* format) {
-    const auto time = static_cast<std::time_t>(seconds);
-    std::tm parts{};
-    return localtime_r(&time, &parts) == nullptr ? std::to_string(seconds) : formatted(parts, format);
+    return calendar(&time, &parts) == nullptr ? std::to_string(seconds)
+                                              : fmt::format(fmt::runtime(fmt::format("{{:{}}}", format)), parts);
 }
 
 }  // namespace
@@ -172,24 +166,24 @@ std::int64_t now() {
 }
 
 std::string utc(std::int64_t seconds) {
-    return utcFormatted(seconds, "%Y-%m-%d %H:%M:%S +0000");
+    return formatted(seconds, gmtime_r, "%Y-%m-%d %H:%M:%S +0000");
 }
 
 std::string iso8601(std::int64_t seconds, std::int64_t nanoseconds) {
-    const std::string time = utcFormatted(seconds, "%Y-%m-%dT%H:%M:%S");
+    const std::string time = formatted(seconds, gmtime_r, "%Y-%m-%dT%H:%M:%S");
     return nanoseconds == 0 ? time + 'Z' : fmt::format("{}.{:09}Z", time, nanoseconds);
 }
 
 std::string localMinute(std::int64_t seconds) {
-    return localFormatted(seconds, "%Y-%m-%d %H:%M");
+    return formatted(seconds, localtime_r, "%Y-%m-%d %H:%M");
 }
 
 std::string localSecond(std::int64_t seconds) {
-    return localFormatted(seconds, "%Y-%m-%d %H:%M:%S");
+    return formatted(seconds, localtime_r, "%Y-%m-%d %H:%M:%S");
 }
 
 std::string localZonedMinute(std::int64_t seconds) {
-    return localFormatted(seconds, "%Y-%m-%d %H:%M %z");
+    return formatted(seconds, localtime_r, "%Y-%m-%d %H:%M %z");
 }
 
 std::int64_t secondsBetween(std::int64_t first, std::int64_t last) {

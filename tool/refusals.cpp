@@ -78,7 +78,7 @@ void requireComplete(const lgb::catalogue::Message& message, const Json::Value& 
 }  // namespace
 
 void requireMessage(const lgb::code::Code& code, const Parameters& parameters) {
-    const std::string name = typeNames[static_cast<std::size_t>(code.type())] + ' ' + std::to_string(code.id());
+    const std::string name = nameOf(code.type()) + ' ' + std::to_string(code.id());
     const lgb::catalogue::Message message = messageOf(code, "id", name);
     std::vector<std::string> known;
     for (const Place& member : membersOf(message)) {

@@ -8,6 +8,7 @@
 #include "terminal.h"
 #include "timeline.h"
 #include "validators.h"
+#include "words.h"
 
 #include <lgb/Entry.h>
 #include <lgb/timestamp.h>
@@ -79,15 +80,6 @@ const TypeWords& wordsOfType(LogbookEntryType type) {
     return typeWords[static_cast<std::size_t>(type)];
 }
 
-/// How a type is called in the page's styles and script.
-const std::string& classOf(LogbookEntryType type) {
-    return typeNames[static_cast<std::size_t>(type)];
-}
-
-bool isReadable(const ReadEntry& read) {
-    return read.standing != Standing::Unreadable && read.standing != Standing::Damaged;
-}
-
 std::string reasonOf(const ReadEntry& read) {
     if (read.standing == Standing::Damaged) {
         return "what is stored is not what was added";
@@ -97,7 +89,7 @@ std::string reasonOf(const ReadEntry& read) {
 
 /// What the words of an entry leave out.
 std::string storedOf(const ReadEntry& read) {
-    if (!isReadable(read)) {
+    if (!isRead(read)) {
         return read.document;
     }
     return read.hasMessage && read.standing != Standing::Wordless ? "" : read.entry.details.params;
@@ -108,7 +100,7 @@ std::string numberOrNothing(std::int64_t number) {
 }
 
 void setReadable(mustache::data& row, const Entry& entry) {
-    row.set("type", classOf(entry.type));
+    row.set("type", nameOf(entry.type));
     row.set("typeName", wordsOfType(entry.type).singular);
     row.set("words", printable(entry.description));
     row.set("code", lgb::isServiceOnly(entry) ? "" : codeOf(entry));
@@ -122,7 +114,7 @@ mustache::data rowOf(const ReadEntry& read) {
     row.set("number", std::to_string(read.number));
     row.set("instant", iso8601(timestamp.seconds, timestamp.nanoseconds));
     row.set("time", printable(timestamp.text));
-    if (isReadable(read)) {
+    if (isRead(read)) {
         setReadable(row, read.entry);
     } else {
         row.set("type", "unreadable");
@@ -168,7 +160,7 @@ Contents read(const Selection& selection) {
         forEachEntry(reader, {}, isService(selection), [&](ReadEntry&& each) {
             ++contents.number;
             contents.entries += row.render(rowOf(each));
-            if (isReadable(each)) {
+            if (isRead(each)) {
                 contents.moments.push_back({each.entry.timestamp.seconds, each.entry.type});
                 ++contents.messages[messageOf(each, words)];
             }
@@ -192,7 +184,7 @@ mustache::data figuresOf(const Contents& contents) {
         add(wordsOfType(type).plural,
             std::count_if(contents.moments.begin(), contents.moments.end(),
                           [&](const Moment& moment) { return moment.type == type; }),
-            classOf(type));
+            nameOf(type));
     }
     if (contents.unreadable() > 0) {
         add("Unreadable", contents.unreadable(), "");
@@ -247,7 +239,7 @@ mustache::data barsOf(const Timeline& timeline, std::size_t index, std::int64_t 
         if (count > 0) {
             const double height = heightOf(count, top);
             y -= height;
-            mustache::data bar("type", classOf(type));
+            mustache::data bar("type", nameOf(type));
             bar.set("x", coordinate(width * static_cast<double>(index)));
             bar.set("y", coordinate(y));
             bar.set("width", coordinate(width));
@@ -320,7 +312,7 @@ void setFrequent(mustache::data& logbook, const Contents& contents) {
     }
     for (const auto& [message, count] : messages) {
         mustache::data item("count", std::to_string(count));
-        item.set("type", classOf(message.type));
+        item.set("type", nameOf(message.type));
         item.set("code", message.code);
         item.set("wording", message.words);
         list << item;
@@ -331,14 +323,12 @@ void setFrequent(mustache::data& logbook, const Contents& contents) {
 
 /// How many entries there are, and from when to when as far as could be read.
 std::string extentText(const Contents& contents) {
-    std::string number = fmt::format("{} {}", contents.number, contents.number == 1 ? "entry" : "entries");
+    std::string number = entries(contents.number);
     if (contents.moments.empty()) {
         return number;
     }
-    const auto [first, last] =
-        std::minmax_element(contents.moments.begin(), contents.moments.end(),
-                            [](const Moment& one, const Moment& other) { return one.seconds < other.seconds; });
-    return fmt::format("{} from {} to {}", number, localZonedMinute(first->seconds), localZonedMinute(last->seconds));
+    const Span span = spanOf(contents.moments);
+    return fmt::format("{} from {} to {}", number, localZonedMinute(span.first), localZonedMinute(span.last));
 }
 
 mustache::data dataOf(const Contents& contents) {
@@ -381,7 +371,7 @@ mustache::data pageOf(const std::vector<Contents>& logbooks, const std::filesyst
 void report(const Selection& selection, const std::string& file, const std::string& title) {
     std::vector<Contents> logbooks;
     std::string faults;
-    for (const char* const name : {"customer", "service"}) {
+    for (const std::string& name : logbookNames) {
         logbooks.push_back(read({selection.folder, name}));
         const std::string& fault = logbooks.back().fault;
         faults += (faults.empty() || fault.empty() ? "" : "; ") + fault;

@@ -6,6 +6,7 @@
 #include "moments.h"
 #include "terminal.h"
 #include "validators.h"
+#include "words.h"
 
 #include <lgb/Entry.h>
 
@@ -46,7 +47,7 @@ void count(const ReadEntry& read, Statistics& statistics) {
     if (!isRead(read)) {
         return;
     }
-    ++statistics.types[typeNames[static_cast<std::size_t>(read.entry.type)]];
+    ++statistics.types[nameOf(read.entry.type)];
     ++statistics.messages[lgb::isServiceOnly(read.entry) ? "free text" : codeOf(read.entry)];
     ++statistics.units[numberOf(read.entry.details.unit)];
     ++statistics.devices[numberOf(read.entry.details.device)];
@@ -84,7 +85,7 @@ void printChart(const std::vector<std::int64_t>& seconds) {
 }
 
 void print(const Statistics& statistics) {
-    std::cout << statistics.all() << (statistics.all() == 1 ? " entry" : " entries");
+    std::cout << entries(statistics.all());
     if (statistics.seconds.empty()) {
         std::cout << '\n';
         return;

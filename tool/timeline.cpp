@@ -55,15 +55,20 @@ std::int64_t lengthFor(std::int64_t first, std::int64_t last) {
 
 }  // namespace
 
+Span spanOf(const std::vector<Moment>& moments) {
+    const auto [earliest, latest] =
+        std::minmax_element(moments.begin(), moments.end(),
+                            [](const Moment& one, const Moment& other) { return one.seconds < other.seconds; });
+    return {earliest->seconds, latest->seconds};
+}
+
 Timeline timelineOf(const std::vector<Moment>& moments) {
     if (moments.empty()) {
         return {};
     }
-    const auto [earliest, latest] =
-        std::minmax_element(moments.begin(), moments.end(),
-                            [](const Moment& one, const Moment& other) { return one.seconds < other.seconds; });
-    const std::int64_t first = nearEnough(earliest->seconds);
-    const std::int64_t last = nearEnough(latest->seconds);
+    const Span span = spanOf(moments);
+    const std::int64_t first = nearEnough(span.first);
+    const std::int64_t last = nearEnough(span.last);
     Timeline timeline;
     timeline.length = lengthFor(first, last);
     const std::int64_t parts = partsBetween(first, last, timeline.length);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "moments.h"
+
 #include <nsa/zel/enums/LogbookEntryType.h>
 
 #include <array>
@@ -22,6 +24,10 @@ struct Timeline {
     std::int64_t length = 0;  ///< of a part in seconds, a round number of minutes, hours, days or weeks
     std::vector<Part> parts;
 };
+
+/// From the earliest moment to the latest.
+/// @param moments in any order, at least one
+Span spanOf(const std::vector<Moment>& moments);
 
 /// @param moments in any order; none make no parts
 Timeline timelineOf(const std::vector<Moment>& moments);
