@@ -1,5 +1,5 @@
-// Any command line, its arguments ending at each NUL byte, on a folder with both logbooks: the tool ends with one of
-// its exit codes and writes nowhere else.
+// Any command line but one that follows a logbook, its arguments ending at each NUL byte, beside a folder with both
+// logbooks: the tool ends with one of its exit codes and writes nothing but logbooks and the file of --output.
 
 #include "TemporaryFolder.h"
 #include "commandLine.h"
@@ -35,21 +35,39 @@ std::vector<std::string> splitAtNul(const std::string& input) {
 }
 
 /// A name in the working folder instead of a path anywhere.
-std::string confined(std::string path) {
+std::string withoutFolders(std::string path) {
     std::replace(path.begin(), path.end(), '/', '_');
-    return "folder-" + path;
+    return path;
 }
 
-/// Leads every folder that is asked for into the working folder.
-void confineFolders(std::vector<std::string>& arguments) {
-    const std::string option = "--folder";
-    for (std::size_t i = 1; i < arguments.size(); ++i) {
-        if (arguments[i].rfind(option + '=', 0) == 0) {
-            arguments[i] = option + '=' + confined(arguments[i].substr(option.size() + 1));
-        } else if (arguments[i - 1] == option) {
-            arguments[i] = confined(arguments[i]);
+constexpr const char* outputStart = "output-";
+
+/// What an option asks for gets a start that tells what it is.
+struct PathOption {
+    std::string name;
+    std::string start;
+};
+
+/// Leads every path that is asked for into the working folder.
+void confinePaths(std::vector<std::string>& arguments) {
+    for (const auto& [name, start] : {PathOption{"--folder", "folder-"}, PathOption{"--output", outputStart}}) {
+        for (std::size_t i = 1; i < arguments.size(); ++i) {
+            if (arguments[i].rfind(name + '=', 0) == 0) {
+                arguments[i] = name + '=' + start + withoutFolders(arguments[i].substr(name.size() + 1));
+            } else if (arguments[i - 1] == name) {
+                arguments[i] = start + withoutFolders(arguments[i]);
+            }
         }
     }
+    if (std::find(arguments.begin(), arguments.end(), "import") != arguments.end()) {
+        std::transform(arguments.begin(), arguments.end(), arguments.begin(), withoutFolders);
+    }
+}
+
+/// To follow has no end.
+void dropFollow(std::vector<std::string>& arguments) {
+    const auto follows = [](const std::string& argument) { return argument.rfind("--follow", 0) == 0; };
+    arguments.erase(std::remove_if(arguments.begin(), arguments.end(), follows), arguments.end());
 }
 
 /// Two logbooks with an entry each, made once and copied for each input, which so does the same every time.
@@ -77,6 +95,7 @@ public:
         setenv("TQZEL_LOGBOOK_DIR", "logbooks", 1);
         setenv("XDG_STATE_HOME", home.c_str(), 1);
         setenv("HOME", home.c_str(), 1);
+        setenv("PAGER", "", 1);
     }
 
     Surroundings(const Surroundings&) = delete;
@@ -84,14 +103,19 @@ public:
 
     ~Surroundings() { fs::current_path(before); }
 
-    bool holdOnlyLogbooks() const {
+    bool holdOnlyLogbooksAndOutput() const {
         return fs::is_empty(home) &&
                std::all_of(fs::directory_iterator(work), fs::directory_iterator(), [](const fs::path& place) {
-                   return std::all_of(fs::directory_iterator(place), fs::directory_iterator(), isLogbookFile);
+                   return fs::is_directory(place) ? holdsOnlyLogbooks(place)
+                                                  : place.filename().string().rfind(outputStart, 0) == 0;
                });
     }
 
 private:
+    static bool holdsOnlyLogbooks(const fs::path& place) {
+        return std::all_of(fs::directory_iterator(place), fs::directory_iterator(), isLogbookFile);
+    }
+
     static bool isLogbookFile(const fs::path& file) {
         return file.stem() == "lgbCustomer" || file.stem() == "lgbService";
     }
@@ -137,10 +161,11 @@ int exitCodeOf(const std::vector<std::string>& arguments) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::vector<std::string> arguments = splitAtNul(std::string(data, data + size));
-    confineFolders(arguments);
+    dropFollow(arguments);
+    confinePaths(arguments);
     const Surroundings surroundings;
     const int exitCode = exitCodeOf(arguments);
     fuzz::require(exitCode >= 0 && exitCode <= 2, "the tool ends with an exit code of its own");
-    fuzz::require(surroundings.holdOnlyLogbooks(), "the tool writes logbooks alone, in their folder");
+    fuzz::require(surroundings.holdOnlyLogbooksAndOutput(), "the tool writes logbooks and its output alone");
     return 0;
 }
