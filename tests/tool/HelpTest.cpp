@@ -3,7 +3,6 @@
 
 #include <lgb/catalogue.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <sstream>
@@ -110,6 +109,15 @@ TEST_F(Help, GroupsOptionsAndKeepsToALineOf100Columns) {
     }
 }
 
+TEST_F(Help, KeepsToTheTerminal) {
+    const std::string shown = onTerminal("stats --help", "");
+    EXPECT_THAT(shown, testing::HasSubstr("  --grep PATTERN              Only with this regular expression in the\n"
+                                          "                              description, in upper or lower case\n"));
+    for (const std::string& line : linesOf(shown)) {
+        EXPECT_LE(line.size(), 80U) << line;
+    }
+}
+
 /// The tool on the search path of a working folder with both logbooks, a copy of them, and an export of each.
 class Examples : public Help {
 protected:
@@ -145,15 +153,6 @@ protected:
         return examples;
     }
 };
-
-TEST_F(Help, KeepsToTheTerminal) {
-    const std::string shown = onTerminal("stats --help", "");
-    EXPECT_THAT(shown, testing::HasSubstr("  --grep PATTERN              Only with this regular expression in the\n"
-                                          "                              description, in upper or lower case\n"));
-    for (const std::string& line : linesOf(shown)) {
-        EXPECT_LE(line.size(), 80U) << line;
-    }
-}
 
 TEST_F(Examples, AreTwoToFourForACommand) {
     for (const std::string& command : commands) {
@@ -225,11 +224,32 @@ TEST_F(Help, NamesTheWordsThatAChoiceHas) {
     EXPECT_EQ(refusal("show customer --color ''"), "--color: \"\" is not one of auto, always, never");
     EXPECT_EQ(refusal("add customer eror 14"),
               "type: \"eror\" is not one of info, warning, error; did you mean \"error\"?");
+    EXPECT_EQ(refusal("add customer info 127 --interlock-mode Automatic"),
+              "--interlock-mode: \"Automatic\" is not one of interactive, automatic; did you mean \"automatic\"?");
     EXPECT_EQ(refusal("completion powershell"), "shell: \"powershell\" is not one of bash, zsh");
 }
 
 TEST_F(Help, TakesOneValueForEachNameOfAnOption) {
     EXPECT_EQ(refusal("show --type error nobody"), "logbook: \"nobody\" is not one of customer, service");
+}
+
+TEST_F(Help, NamesTheIdThatNoMessageHas) {
+    EXPECT_EQ(refusal("add customer error 5"), "id: there is no message error 5; tqzel-logbook messages lists them");
+}
+
+TEST_F(Help, NamesWhatAFreeTextMustBe) {
+    EXPECT_EQ(refusal("add customer info --text x"), "--text: only the service logbook shows a free text");
+    EXPECT_EQ(refusal("add service info --text ''"), "--text: is empty, expected some words");
+    EXPECT_EQ(refusal("add service info --text x --bus 1"), "--text: a free text has no parameters");
+    EXPECT_EQ(refusal("add service info 20 --text x"), "id and --text can't be given together");
+}
+
+TEST_F(Help, NamesParametersThatAreNoJsonObject) {
+    const std::string expected = "--params: expected a JSON object such as {\"bus\":1,\"module\":3}";
+    EXPECT_EQ(refusal("add customer error 14 --params '{bus'"),
+              "--params: not JSON: Line 1, Column 2: Missing '}' or object member name");
+    EXPECT_EQ(refusal("add customer error 14 --params '[1]'"), expected);
+    EXPECT_EQ(refusal("add customer error 14 --params 0"), expected);
 }
 
 TEST_F(Help, NamesTheParametersThatAMessageLacks) {
@@ -310,7 +330,15 @@ TEST_F(Help, TakesNumbersAsDecimalsWhateverTheyStartWith) {
     EXPECT_EQ(tool("show customer --code E014 --unit 08").output, tool("show customer").output);
 }
 
+TEST_F(Help, RefusesNumbersBeyondTheirRange) {
+    EXPECT_EQ(refusal("add customer error 14 --bus -1"), "--bus: \"-1\" is not a number from 0 to 4294967295");
+    EXPECT_EQ(refusal("add customer info 236 --group -3"), "--group: \"-3\" is not a number from 0 to 2147483647");
+    EXPECT_EQ(refusal("add customer error 14 --unit 99999999999999999999"),
+              "--unit: \"99999999999999999999\" is not a number from 0 to 2147483647");
+}
+
 TEST_F(Help, RefusesNumbersThatAreNotDecimal) {
+    EXPECT_EQ(refusal("add customer error x"), "id: \"x\" is not a number from 1 to 4294967295");
     EXPECT_EQ(refusal("add customer error 14 --bus 0x10"), "--bus: \"0x10\" is not a number from 0 to 4294967295");
     EXPECT_EQ(refusal("add customer error 14 --bus 1e3"), "--bus: \"1e3\" is not a number from 0 to 4294967295");
     EXPECT_EQ(refusal("add customer error 14 --bus ''"), "--bus: \"\" is not a number from 0 to 4294967295");

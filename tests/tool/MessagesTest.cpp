@@ -1,7 +1,5 @@
 #include "ToolFixture.h"
 
-#include <json/reader.h>
-
 #include <algorithm>
 
 namespace {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
-#include <limits>
 #include <stdexcept>
 #include <string>
 

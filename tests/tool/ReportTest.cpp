@@ -1,6 +1,4 @@
-#include "run.h"
-
-#include <gmock/gmock.h>
+#include "ToolFixture.h"
 
 #include <filesystem>
 #include <string>
@@ -11,30 +9,9 @@ using support::Outcome;
 using testing::HasSubstr;
 using testing::Not;
 
-/// Each test has a folder of logbooks of its own.
-class Report : public testing::Test {
+class Report : public ToolFixture {
 protected:
-    Outcome tool(const std::string& arguments) const {
-        return support::run(std::string(TQZEL_TOOL) + " --folder '" + folder.path().string() + "' " + arguments);
-    }
-
-    void add(const std::string& arguments) const { EXPECT_EQ(tool("add " + arguments).exitCode, 0) << arguments; }
-
-    /// Adds a record to the service logbook, whatever it holds.
-    void store(const std::string& seconds, const std::string& document) const {
-        support::write(folder / "record",
-                       R"({"seconds":)" + seconds + R"(,"nanoseconds":0,"time":"then","entry":")" + document + "\"}");
-        EXPECT_EQ(tool("import service '" + (folder / "record").string() + "'").exitCode, 0);
-    }
-
-    std::string page(const std::string& arguments = "") const {
-        const Outcome outcome = tool("report " + arguments);
-        EXPECT_EQ(outcome.exitCode, 0);
-        EXPECT_EQ(outcome.errors, "");
-        return outcome.output;
-    }
-
-    support::TemporaryFolder folder;
+    std::string page(const std::string& arguments = "") const { return output("report " + arguments); }
 };
 
 TEST_F(Report, ShowsTheEntriesOfBothLogbooksInWords) {
@@ -89,22 +66,19 @@ TEST_F(Report, ShowsWhatIsNoTextAsItsBytes) {
 }
 
 TEST_F(Report, SaysWhyAnEntryIsLeftOut) {
-    store("1600000000", "{<i>");
+    store("lgbService", std::vector<std::string>{"{<i>"});
     EXPECT_THAT(page(), HasSubstr("<strong>unreadable</strong>: not JSON: Line 1, Column 2: Missing &apos;}&apos; or "
                                   "object member name</span> <code>{&lt;i&gt;</code></td>"));
 }
 
 TEST_F(Report, ShowsCodeAndParametersOfAnUnknownEntry) {
-    store("1600000000", R"({\"code\":999,\"type\":\"W\",\"description\":\"\",\"details\":{\"device\":-1,)"
-                        R"(\"unit\":-1,\"generation\":\"Heron\",\"params\":\"{\\\"odd\\\":1}\"}})");
+    store("lgbService", std::vector<std::string>{document("W", 999, R"({"odd":1})")});
     EXPECT_THAT(page(), HasSubstr("unknown entry! <code>{&quot;odd&quot;:1}</code></td><td class=\"code\">W999</td>"));
 }
 
 TEST_F(Report, ChartsTimesFarBeyondTheCalendar) {
-    const std::string entry = R"({\"code\":20,\"type\":\"I\",\"description\":\"\",\"details\":{\"device\":-1,)"
-                              R"(\"unit\":-1,\"generation\":\"Heron\",\"params\":\"\"}})";
-    store("-9223372036854775808", entry);
-    store("9223372036854775807", entry);
+    store("lgbService", std::vector<lgb::DatabaseRecord>{{{INT64_MIN, 0, "then"}, document("I", 20, "")},
+                                                         {{INT64_MAX, 0, "then"}, document("I", 20, "")}});
     EXPECT_THAT(page(), HasSubstr("Errors: 0, Warnings: 0, Information: 2</title>"));
 }
 

@@ -39,6 +39,9 @@ protected:
         return outcome.output;
     }
 
+    /// Records an event by the tool itself.
+    void add(const std::string& arguments) const { EXPECT_EQ(output("add " + arguments), ""); }
+
     /// What a terminal of 80 columns shows.
     std::string onTerminal(const std::string& arguments, const std::string& environment) const {
         const support::TemporaryFolder scripts;
@@ -115,6 +118,9 @@ protected:
                                  document("W", 63, R"({"bus":1,"module":3})", 2, 4),
                              });
     }
+
+    /// What is shown of a logbook without any entry to show.
+    static constexpr const char* headingsAlone = "No.  Time  Type  Description\n";
 
     support::TemporaryFolder folder;
 };
