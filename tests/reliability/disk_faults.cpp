@@ -132,9 +132,7 @@ Script someScript(Random& random) {
     Script script{static_cast<std::uint32_t>(2 + support::upTo(random, 1)), {}};
     script.steps.assign(3, Step::Add);
     script.steps.insert(script.steps.end(), {Step::Read, Step::Clear, Step::Add, Step::Reopen, Step::Add});
-    for (int more = 0; more < 1; ++more) {
-        script.steps.push_back(choice.at(static_cast<std::size_t>(support::upTo(random, choice.size() - 1))));
-    }
+    script.steps.push_back(choice.at(static_cast<std::size_t>(support::upTo(random, choice.size() - 1))));
     return script;
 }
 
