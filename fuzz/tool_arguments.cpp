@@ -51,9 +51,11 @@ struct PathOption {
 /// Leads every path that is asked for into the working folder.
 void confinePaths(std::vector<std::string>& arguments) {
     for (const auto& [name, start] : {PathOption{"--folder", "folder-"}, PathOption{"--output", outputStart}}) {
+        const std::string assignment = name + '=';
         for (std::size_t i = 1; i < arguments.size(); ++i) {
-            if (arguments[i].rfind(name + '=', 0) == 0) {
-                arguments[i] = name + '=' + start + withoutFolders(arguments[i].substr(name.size() + 1));
+            if (arguments[i].rfind(assignment, 0) == 0) {
+                arguments[i].replace(0, assignment.size(), start);
+                arguments[i] = assignment + withoutFolders(arguments[i]);
             } else if (arguments[i - 1] == name) {
                 arguments[i] = start + withoutFolders(arguments[i]);
             }

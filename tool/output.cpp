@@ -1,5 +1,7 @@
 #include "output.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
@@ -34,7 +36,7 @@ bool belongsTo(const fs::path& logbook, const std::string& file) {
 void refuseLogbook(const Selection& selection, const std::string& file) {
     for (const std::string& name : logbookNames) {
         if (belongsTo(fileOf({selection.folder, name}), file)) {
-            throw CLI::ValidationError("--output", file + " is the " + name + " logbook itself");
+            throw CLI::ValidationError("--output", fmt::format("{} is the {} logbook itself", file, name));
         }
     }
 }
