@@ -7,6 +7,7 @@
 #include <re2/re2.h>
 
 #include <algorithm>
+#include <cctype>
 #include <functional>
 #include <limits>
 #include <stdexcept>
@@ -87,8 +88,8 @@ bool Filter::matchesContent(const ReadEntry& read) const {
 
 lgb::code::Code codeNamed(const std::string& argument, const std::string& name) {
     const auto& letters = enums::logbookEntryTypeSpellings;
-    const auto isMeant = [given = CLI::detail::to_lower(name.substr(0, 1))](std::string_view letter) {
-        return CLI::detail::to_lower(std::string(letter)) == given;
+    const auto isMeant = [&name](std::string_view letter) {
+        return !name.empty() && std::toupper(static_cast<unsigned char>(name[0])) == letter[0];
     };
     const auto* const type = std::find_if(letters.begin(), letters.end(), isMeant);
     std::uint32_t id = 0;
