@@ -15,14 +15,20 @@ namespace tool {
 
 namespace {
 
-/// What a logbook does not show, one line each, with the reason.
+/// What it is that a logbook does not show, and why not.
 std::string describe(const ReadEntry& read) {
+    const std::string code = isRead(read) ? ", " + codeOf(read.entry) + ',' : "";
     const std::string reason = read.reason.empty() ? "" : ": " + printable(read.reason);
-    return "  entry " + std::to_string(read.number) + ' ' + nameOf(read.standing) + reason + '\n';
+    return "entry " + std::to_string(read.number) + code + " is " + nameOf(read.standing) + reason;
+}
+
+/// What is listed below a file.
+std::string item(const std::string& text, std::size_t width) {
+    return hanging("  ", text, width);
 }
 
 /// Prints whether every entry can be read, and which can't.
-bool entriesAreReadable(const Selection& selection) {
+bool entriesAreReadable(const Selection& selection, std::size_t width) {
     standalone::LogbookReader reader(fileOf(selection));
     std::int64_t all = 0;
     std::int64_t shown = 0;
@@ -32,7 +38,7 @@ bool entriesAreReadable(const Selection& selection) {
         if (read.standing == Standing::Shown) {
             ++shown;
         } else {
-            faults += describe(read);
+            faults += item(describe(read), width);
         }
         return true;
     });
@@ -41,16 +47,18 @@ bool entriesAreReadable(const Selection& selection) {
 }
 
 /// Prints what a file is like.
+/// @param width of the terminal in columns; 0: no limit
 /// @return whether all of it is as it should be
-bool isSound(const Selection& selection) {
+bool isSound(const Selection& selection, std::size_t width) {
     const std::string prefix = fileOf(selection).string() + ": ";
     std::cout << printable(prefix);
     try {
         const auto damage = standalone::structuralDamage(fileOf(selection));
+        std::cout << (damage.empty() ? "" : "damaged\n");
         for (const std::string& line : damage) {
-            std::cout << (&line == damage.data() ? "damaged\n  " : "  ") << printable(line) << '\n';
+            std::cout << item(printable(line), width);
         }
-        return damage.empty() && entriesAreReadable(selection);
+        return damage.empty() && entriesAreReadable(selection, width);
     } catch (const standalone::DatabaseError& error) {
         const std::string text = error.what();
         std::cout << printable(text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text) << '\n';
@@ -59,9 +67,11 @@ bool isSound(const Selection& selection) {
 }
 
 void check(const Selection& selection) {
+    const std::size_t width = terminalWidth();
+    const Pager pager(true);
     bool sound = true;
     for (const std::string& name : selection.logbook.empty() ? logbookNames : std::vector{selection.logbook}) {
-        sound = isSound({selection.folder, name}) && sound;
+        sound = isSound({selection.folder, name}, width) && sound;
     }
     if (!sound) {
         throw std::runtime_error("not everything is as it should be");

@@ -44,6 +44,7 @@ void declare(CLI::App& app, Selection& selection) {
     declareExplain(app);
     declareCompletion(app);
     declareManual(app);
+    declareHelp(app);
 }
 
 void parse(CLI::App& app, int argc, const char* const* argv) {

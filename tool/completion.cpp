@@ -202,7 +202,7 @@ constexpr Shell shells[] = {{"bash", printBash}, {"zsh", printZsh}};
 }  // namespace
 
 void declareCompletion(CLI::App& app) {
-    CLI::App& command = *app.add_subcommand("completion", "Print the completion for a shell")->group("");
+    CLI::App& command = *app.add_subcommand("completion", "Print the completion for a shell");
     const auto shell = std::make_shared<std::string>();
     takeOneOf(command.add_option("shell", *shell, "The shell")->required(), namesIn(shells));
     command.callback([&app, shell] { rowNamed(shells, *shell).print(interfaceOf(app)); });

@@ -28,8 +28,8 @@ constexpr Example examples[] = {
     {"check", "check service --folder copied",                           "One of them, copied from a device."},
 
     {"add", "add customer error 14 --bus 1 --module 3",                  "tqzel-logbook explain E14 tells what error 14 needs."},
-    {"add", "add service error 15 --bus 2 --module 7 --unit 1 --service \"(Id 82 A)\"", "With a detail for service people."},
-    {"add", "add customer info 201 --params '{\"path\":\"A\",\"operatingClass\":\"AB\"}'", "With its parameters as JSON."},
+    {"add", "add service error 15 --bus 2 --module 7 --service \"(Id 82 A)\"", "With a detail for service people."},
+    {"add", "add customer error 14 --params '{\"bus\":1,\"module\":3}'",     "With its parameters as JSON."},
     {"add", "add service info --unit 2 --text \"Fan 1 replaced\"",       "A note of your own."},
 
     {"clear", "clear customer",                                          "Asks before it removes anything."},
@@ -42,10 +42,18 @@ constexpr Example examples[] = {
     {"import", "import service - <service.jsonl",                        "Add those of standard input."},
 
     {"messages", "messages",                                             "All of them."},
+    {"messages", "messages --grep attenuation",                          "Those that speak of attenuation."},
     {"messages", "messages --type warning --format json",                "The warnings, for a program."},
 
     {"explain", "explain E14",                                           "The wording and the parameters of error 14."},
     {"explain", "explain I201",                                          "Those of information 201."},
+
+    {"completion", "completion bash >tqzel-logbook.bash",                "For bash, which reads it with source."},
+    {"completion", "completion zsh >_tqzel-logbook",                     "For zsh, which looks for it in $fpath."},
+
+    {"man", "man >tqzel-logbook.1",                                      "Into a file, which man -l shows."},
+
+    {"help", "help show",                                                "The same as show --help."},
 };
 // clang-format on
 

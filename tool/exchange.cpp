@@ -151,7 +151,7 @@ std::string textOf(const Json::Value& line, const std::string& key) {
 DatabaseRecord recordOf(const std::string& text) {
     const Json::Value line = JsonUtility::toJsonValue(text);
     if (!line.isObject()) {
-        throw std::invalid_argument("is no JSON object");
+        throw std::invalid_argument(text.empty() ? "is empty" : "is no JSON object");
     }
     constexpr std::int64_t lastNanosecond = 999999999;
     return {{integerOf(line, secondsKey, INT64_MIN, INT64_MAX), integerOf(line, nanosecondsKey, 0, lastNanosecond),
@@ -159,11 +159,12 @@ DatabaseRecord recordOf(const std::string& text) {
             textOf(line, entryKey)};
 }
 
-DatabaseRecord recordOf(const std::string& line, std::int64_t number) {
+/// @param file and number of the line, for the error
+DatabaseRecord recordOf(const std::string& line, const std::string& file, std::int64_t number) {
     try {
         return recordOf(line);
     } catch (const std::exception& exception) {
-        throw std::runtime_error(fmt::format("line {}: {}; nothing was imported", number, exception.what()));
+        throw std::runtime_error(fmt::format("{}: line {}: {}; nothing was imported", file, number, exception.what()));
     }
 }
 
@@ -184,20 +185,20 @@ bool couldNotBeRead(const std::istream& stream) {
 }
 
 /// Reads all lines; of the records the newest that the logbook can keep are added.
-void importFrom(std::istream& stream, const Selection& selection) {
+void importFrom(std::istream& stream, const std::string& file, const Selection& selection) {
     const std::uint32_t capacity = capacityOf(selection);
     Progress progress(0);
     std::deque<DatabaseRecord> newest;
     std::int64_t number = 0;
     skipByteOrderMark(stream);
     for (std::string line; std::getline(stream, line); progress.advance(1)) {
-        newest.push_back(recordOf(line, ++number));
+        newest.push_back(recordOf(line, file, ++number));
         if (newest.size() > capacity) {
             newest.pop_front();
         }
     }
     if (couldNotBeRead(stream)) {
-        throw std::runtime_error("can't read on behind line " + std::to_string(number) + "; nothing was imported");
+        throw std::runtime_error(fmt::format("{}: can't be read behind line {}; nothing was imported", file, number));
     }
     const std::int64_t dropped = standalone::SqliteDatabaseFactory(folderOf(selection))
                                      .addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
@@ -224,7 +225,7 @@ void exportFile(const Selection& selection, const std::string& file) {
 
 void importFile(const Selection& selection, const std::string& file) {
     if (file == "-") {
-        importFrom(std::cin, selection);
+        importFrom(std::cin, "standard input", selection);
         return;
     }
     if (std::filesystem::is_directory(file)) {
@@ -234,7 +235,7 @@ void importFile(const Selection& selection, const std::string& file) {
     if (!stream) {
         throw std::runtime_error(file + ": can't be read: " + std::generic_category().message(errno));
     }
-    importFrom(stream, selection);
+    importFrom(stream, file, selection);
 }
 
 }  // namespace

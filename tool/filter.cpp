@@ -4,8 +4,6 @@
 #include "moments.h"
 #include "validators.h"
 
-#include <re2/re2.h>
-
 #include <algorithm>
 #include <cctype>
 #include <functional>
@@ -25,17 +23,6 @@ Span parsedSpan(const std::string& option, const std::string& text) {
     } catch (const std::invalid_argument& error) {
         throw CLI::ValidationError(option, error.what());
     }
-}
-
-std::shared_ptr<const re2::RE2> parsedPattern(const std::string& text) {
-    re2::RE2::Options options;
-    options.set_case_sensitive(false);
-    options.set_log_errors(false);
-    auto pattern = std::make_shared<const re2::RE2>(text, options);
-    if (!pattern->ok()) {
-        throw CLI::ValidationError("--grep", '"' + text + "\" is no regular expression: " + pattern->error());
-    }
-    return pattern;
 }
 
 template <typename Value, typename Values>
@@ -76,14 +63,14 @@ bool Filter::matches(const ReadEntry& read) const {
 }
 
 bool Filter::asksForContent() const {
-    return !types.empty() || !codes.empty() || unit || device || pattern != nullptr;
+    return !types.empty() || !codes.empty() || unit || device || !pattern.isNone();
 }
 
 bool Filter::matchesContent(const ReadEntry& read) const {
     return holds(types, read.entry.type) && isOneOf(codes, read) &&
            unit.value_or(read.entry.details.unit) == read.entry.details.unit &&
            device.value_or(read.entry.details.device) == read.entry.details.device &&
-           (pattern == nullptr || re2::RE2::PartialMatch(read.entry.description, *pattern));
+           pattern.isIn(read.entry.description);
 }
 
 lgb::code::Code codeNamed(const std::string& argument, const std::string& name) {
@@ -103,7 +90,6 @@ void declareFilter(CLI::App& command, Filter& filter) {
     constexpr auto highest = std::numeric_limits<std::int32_t>::max();
     const auto takeType = [&filter](const std::string& name) { filter.types.push_back(typeNamed(name)); };
     const auto takeCode = [&filter](const std::string& name) { filter.codes.push_back(codeNamed("--code", name)); };
-    const auto takePattern = [&filter](const std::string& text) { filter.pattern = parsedPattern(text); };
     CLI::Option* const options[] = {
         takeOneOf(declareEach(command, "--type", takeType, "Only of this type"), typeNames),
         declareEach(command, "--code", takeCode, "Only with this code, such as E14")->type_name("CODE"),
@@ -112,14 +98,17 @@ void declareFilter(CLI::App& command, Filter& filter) {
         declareTime(command, "--since", filter.since, &Span::first,
                     "Only from this time on: a day, a time, or \"2 hours ago\""),
         declareTime(command, "--until", filter.until, &Span::last, "Only up to this time; a day counts whole"),
-        command
-            .add_option_function<std::string>(
-                "--grep", takePattern, "Only with this regular expression in the description, in upper or lower case")
-            ->type_name("PATTERN"),
+        declarePattern(command, filter.pattern,
+                       "Only with this regular expression in the description, in upper or lower case"),
     };
     for (CLI::Option* const option : options) {
         option->group("Which entries");
     }
+    command.parse_complete_callback([&filter] {
+        if (filter.since && filter.until && *filter.until < *filter.since) {
+            throw CLI::ValidationError("--until", "is a time before that of --since");
+        }
+    });
 }
 
 }  // namespace tool

@@ -1,20 +1,16 @@
 #pragma once
 
 #include "entries.h"
+#include "pattern.h"
 
 #include <lgb/Code.h>
 
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-namespace re2 {
-class RE2;
-}
 
 namespace tool {
 
@@ -26,7 +22,7 @@ struct Filter {
     std::optional<std::int64_t> device;
     std::optional<std::int64_t> since;  ///< seconds since 1970-01-01T00:00:00Z
     std::optional<std::int64_t> until;
-    std::shared_ptr<const re2::RE2> pattern;  ///< somewhere in the description
+    Pattern pattern;  ///< somewhere in the description
 
     /// An entry that can't be read has nothing but a time to match.
     bool matches(const ReadEntry& read) const;

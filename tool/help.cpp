@@ -1,9 +1,12 @@
 #include "help.h"
 
+#include "commands.h"
 #include "interface.h"
 #include "terminal.h"
+#include "validators.h"
 
 #include <algorithm>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -74,19 +77,31 @@ std::string helpOf(const Interface& all) {
     return helpOf(all.tool, rows) + "\ntqzel-logbook COMMAND --help tells more of a command.\n";
 }
 
+std::string helpOf(const CLI::App& app) {
+    if (app.get_parent() == nullptr) {
+        return helpOf(interfaceOf(app));
+    }
+    return helpOf(commandOf(app), "") + "\n--folder and what else tqzel-logbook --help lists may stand here as well.\n";
+}
+
 class HelpFormatter : public CLI::FormatterBase {
 public:
-    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
-        const CLI::App* const parent = app->get_parent();
-        if (parent == nullptr) {
-            return helpOf(interfaceOf(*app));
-        }
-        return helpOf(commandOf(*app), "") +
-               "\n--folder and what else tqzel-logbook --help lists may stand here as well.\n";
-    }
+    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override { return helpOf(*app); }
 };
 
 }  // namespace
+
+void declareHelp(CLI::App& app) {
+    std::vector<std::string> names;
+    for (const Command& command : interfaceOf(app).commands) {
+        names.push_back(command.name);
+    }
+    CLI::App& command = *app.add_subcommand("help", "Tell how a command is used");
+    const auto name = std::make_shared<std::string>();
+    takeOneOf(command.add_option("command", *name, "Which one; the tool itself unless given"), names)
+        ->option_text("COMMAND");
+    command.callback([&app, name] { std::cout << helpOf(name->empty() ? app : *app.get_subcommand(*name)); });
+}
 
 void setHelp(CLI::App& app) {
     app.set_help_flag("-h,--help", "Show this help");

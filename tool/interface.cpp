@@ -65,9 +65,7 @@ Interface interfaceOf(const CLI::App& app) {
     all.version = app.version();
     all.tool = commandOf(app);
     for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
-        if (!command->get_group().empty()) {
-            all.commands.push_back(commandOf(*command));
-        }
+        all.commands.push_back(commandOf(*command));
     }
     return all;
 }

@@ -34,7 +34,7 @@ struct Command {
     std::vector<Example> examples;
 };
 
-/// The tool itself and its commands, the hidden ones left out.
+/// The tool itself and its commands.
 struct Interface {
     std::string version;
     Command tool;

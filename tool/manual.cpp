@@ -132,7 +132,7 @@ void printManual(const Interface& all) {
 }  // namespace
 
 void declareManual(CLI::App& app) {
-    CLI::App& command = *app.add_subcommand("man", "Print the manual page")->group("");
+    CLI::App& command = *app.add_subcommand("man", "Print the manual page");
     command.callback([&app] { printManual(interfaceOf(app)); });
 }
 

@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "entries.h"
 #include "filter.h"
+#include "pattern.h"
 #include "table.h"
 #include "terminal.h"
 #include "validators.h"
@@ -46,7 +47,8 @@ Message messageOf(const lgb::code::Code& code, const std::string& argument, cons
             return message;
         }
     }
-    throw CLI::ValidationError(argument, "there is no message " + name + "; tqzel-logbook messages lists them");
+    throw CLI::ValidationError(
+        argument, "this version knows no message " + name + "; tqzel-logbook messages lists those it knows");
 }
 
 namespace {
@@ -60,17 +62,12 @@ std::string membersText(const Message& message) {
 }
 
 void printTable(const std::vector<Message>& messages) {
-    constexpr std::size_t indent = 6;
-    const std::size_t width = terminalWidth() > 2 * indent ? terminalWidth() - indent : 0;
+    const std::size_t width = terminalWidth();
     const Pager pager(true);
     for (const Message& message : messages) {
         const std::string members = membersText(message);
-        std::string start = fmt::format("{:<{}}", codeOf(message.type, message.id), indent);
-        for (const std::string& line :
-             wrapped(wordingOf(message) + (members.empty() ? "" : "  [" + members + ']'), width)) {
-            std::cout << start << line << '\n';
-            start.assign(indent, ' ');
-        }
+        std::cout << hanging(fmt::format("{:<6}", codeOf(message.type, message.id)),
+                             wordingOf(message) + (members.empty() ? "" : "  [" + members + ']'), width);
     }
 }
 
@@ -108,14 +105,22 @@ struct ListFormat {
 
 constexpr ListFormat listFormats[] = {{"table", printTable}, {"markdown", printMarkdown}, {"json", printJson}};
 
-void listMessages(const std::string& type, const std::string& format) {
+/// Which messages are to be listed, and how.
+struct Request {
+    std::string type;
+    Pattern pattern;
+    std::string format = "table";
+};
+
+void listMessages(const Request& request) {
     std::vector<Message> messages;
     for (const Message& message : lgb::catalogue::messages()) {
-        if (type.empty() || message.type == typeNamed(type)) {
+        if ((request.type.empty() || message.type == typeNamed(request.type)) &&
+            request.pattern.isIn(wordingOf(message))) {
             messages.push_back(message);
         }
     }
-    rowNamed(listFormats, format).print(messages);
+    rowNamed(listFormats, request.format).print(messages);
 }
 
 void explain(const std::string& name) {
@@ -130,11 +135,13 @@ void explain(const std::string& name) {
 
 void declareMessages(CLI::App& app) {
     CLI::App& command = *app.add_subcommand("messages", "List all messages with their parameters");
-    const auto type = std::make_shared<std::string>();
-    const auto format = std::make_shared<std::string>("table");
-    takeOneOf(command.add_option("--type", *type, "Only of this type"), typeNames);
-    takeOneOf(command.add_option("--format", *format, "How to show them, table unless given"), namesIn(listFormats));
-    command.callback([type, format] { listMessages(*type, *format); });
+    const auto request = std::make_shared<Request>();
+    takeOneOf(command.add_option("--type", request->type, "Only of this type"), typeNames);
+    declarePattern(command, request->pattern,
+                   "Only with this regular expression in the wording, in upper or lower case");
+    takeOneOf(command.add_option("--format", request->format, "How to show them, table unless given"),
+              namesIn(listFormats));
+    command.callback([request] { listMessages(*request); });
 }
 
 void declareExplain(CLI::App& app) {

@@ -369,6 +369,9 @@ mustache::data pageOf(const std::vector<Contents>& logbooks, const std::filesyst
 }
 
 void report(const Selection& selection, const std::string& file, const std::string& title) {
+    if (file.empty() && isTerminal()) {
+        throw CLI::ValidationError("--output", "is missing; a page is not for a terminal");
+    }
     std::vector<Contents> logbooks;
     std::string faults;
     for (const std::string& name : logbookNames) {

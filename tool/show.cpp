@@ -69,11 +69,24 @@ void tell(const LeftOut& leftOut) {
     }
 }
 
+/// Whether nobody said how many, so that it has to be told that there are more.
+bool isUsualPage(const Request& request) {
+    return !request.all && !request.count && !request.after && request.offset == 0;
+}
+
 /// What came of a page.
 struct Page {
     LeftOut leftOut;
     std::int64_t newest = 0;  ///< the highest number that was seen
+    bool hasMore = false;     ///< only looked for where it has to be told
 };
+
+void tell(const Page& page) {
+    tell(page.leftOut);
+    if (page.hasMore) {
+        std::cerr << "tqzel-logbook: these are the newest " << usualCount << "; --all shows every one\n";
+    }
+}
 
 /// Shows a page: counted from the newest entry, also when the oldest one of it comes first.
 Page showPage(standalone::LogbookReader& reader, const Selection& selection, const Request& request, Listing& listing) {
@@ -86,7 +99,9 @@ Page showPage(standalone::LogbookReader& reader, const Selection& selection, con
     forEachEntry(reader, order, isService(selection), [&](ReadEntry&& read) {
         page.newest = std::max(page.newest, read.number);
         if (wanted == std::uint64_t{request.offset} + most) {
-            return false;
+            LeftOut older;
+            page.hasMore = isUsualPage(request) && isWanted(read, request, older);
+            return isUsualPage(request) && !page.hasMore;
         }
         if (!isWanted(read, request, page.leftOut) || ++wanted <= request.offset) {
             return true;
@@ -165,10 +180,10 @@ private:
     }
 }
 
-LeftOut showInPager(const Selection& selection, const Request& request) {
+Page showInPager(const Selection& selection, const Request& request) {
     standalone::LogbookReader reader(fileOf(selection));
     const Pager pager(request.format == "table" && !request.noPager);
-    return showPage(reader, selection, request, *createListing(request.format, request.look)).leftOut;
+    return showPage(reader, selection, request, *createListing(request.format, request.look));
 }
 
 void show(const Selection& selection, Request request) {

@@ -23,23 +23,17 @@ namespace tool {
 
 namespace {
 
-using Names = Counts<std::string>;
-
 /// What a logbook holds, counted.
 struct Statistics {
-    Names types;
-    Names messages;
-    Names units;
-    Names devices;
-    Names standings;
+    Counts<std::string> types;
+    Counts<std::string> messages;
+    Counts<std::int64_t> units;  // negative: none
+    Counts<std::int64_t> devices;
+    Counts<std::string> standings;
     std::vector<std::int64_t> seconds;
 
     std::int64_t all() const { return static_cast<std::int64_t>(seconds.size()); }
 };
-
-std::string numberOf(std::int64_t number) {
-    return number < 0 ? "none" : std::to_string(number);
-}
 
 void count(const ReadEntry& read, Statistics& statistics) {
     statistics.seconds.push_back(read.entry.timestamp.seconds);
@@ -49,16 +43,28 @@ void count(const ReadEntry& read, Statistics& statistics) {
     }
     ++statistics.types[nameOf(read.entry.type)];
     ++statistics.messages[lgb::isServiceOnly(read.entry) ? "free text" : codeOf(read.entry)];
-    ++statistics.units[numberOf(read.entry.details.unit)];
-    ++statistics.devices[numberOf(read.entry.details.device)];
+    ++statistics.units[read.entry.details.unit];
+    ++statistics.devices[read.entry.details.device];
 }
 
-void print(const char* title, const Names& counts, const std::map<std::string, std::string>& words = {}) {
+/// @param describe what was counted
+template <typename Key, typename Describe>
+void print(const char* title, const Counts<Key>& counts, std::size_t width, Describe describe) {
     std::cout << '\n' << title << '\n';
-    for (const auto& [name, number] : ranked(counts)) {
-        const auto wording = words.find(name);
-        std::cout << fmt::format("{:>8}  {}{}\n", number, name, wording == words.end() ? "" : "  " + wording->second);
+    for (const auto& [key, number] : ranked(counts)) {
+        std::cout << hanging(fmt::format("{:>8}  ", number), describe(key), width);
     }
+}
+
+/// Says of which unit or device.
+auto numbered(const char* part) {
+    return [part](std::int64_t number) {
+        return number < 0 ? fmt::format("no {}", part) : fmt::format("{} {}", part, number);
+    };
+}
+
+std::string unchanged(const std::string& name) {
+    return name;
 }
 
 /// A bar for each part of the time that the entries span.
@@ -84,7 +90,8 @@ void printChart(const std::vector<std::int64_t>& seconds) {
     }
 }
 
-void print(const Statistics& statistics) {
+/// @param width of the terminal in columns; 0: no limit
+void print(const Statistics& statistics, std::size_t width) {
     std::cout << entries(statistics.all());
     if (statistics.seconds.empty()) {
         std::cout << '\n';
@@ -92,12 +99,16 @@ void print(const Statistics& statistics) {
     }
     const auto [first, last] = std::minmax_element(statistics.seconds.begin(), statistics.seconds.end());
     std::cout << " from " << localZonedMinute(*first) << " to " << localZonedMinute(*last) << '\n';
-    print("Types", statistics.types);
-    print("Messages", statistics.messages, wordings());
-    print("Units", statistics.units);
-    print("Devices", statistics.devices);
+    const auto inWords = [words = wordings()](const std::string& code) {
+        const auto wording = words.find(code);
+        return wording == words.end() ? code : code + "  " + wording->second;
+    };
+    print("Types", statistics.types, width, unchanged);
+    print("Messages", statistics.messages, width, inWords);
+    print("Units", statistics.units, width, numbered("unit"));
+    print("Devices", statistics.devices, width, numbered("device"));
     if (statistics.standings.size() > 1 || statistics.standings.count(nameOf(Standing::Shown)) == 0) {
-        print("Standing", statistics.standings);
+        print("Standing", statistics.standings, width, unchanged);
     }
     printChart(statistics.seconds);
 }
@@ -111,8 +122,9 @@ void stats(const Selection& selection, const Filter& filter) {
         }
         return true;
     });
+    const std::size_t width = terminalWidth();
     const Pager pager(true);
-    print(statistics);
+    print(statistics, width);
 }
 
 }  // namespace

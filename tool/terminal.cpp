@@ -83,13 +83,17 @@ std::size_t bytesThatFit(std::string_view text, std::size_t width) {
 
 }  // namespace
 
+bool isTerminal() {
+    return isatty(STDOUT_FILENO) == 1;
+}
+
 std::size_t terminalWidth() {
     winsize size{};
-    return isatty(STDOUT_FILENO) == 1 && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+    return isTerminal() && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 bool isColoured(const std::string& when) {
-    return when == "always" || (when == "auto" && isatty(STDOUT_FILENO) == 1 && environment("NO_COLOR", "").empty());
+    return when == "always" || (when == "auto" && isTerminal() && environment("NO_COLOR", "").empty());
 }
 
 std::string printable(std::string_view text) {
@@ -147,9 +151,19 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
     return lines;
 }
 
+std::string hanging(const std::string& start, std::string_view text, std::size_t width) {
+    const std::size_t indent = widthOf(start);
+    std::string lines;
+    for (const std::string& line : wrapped(text, width > 2 * indent ? width - indent : 0)) {
+        lines += lines.empty() ? start : std::string(indent, ' ');
+        lines += line + '\n';
+    }
+    return lines;
+}
+
 Pager::Pager(bool wanted) {
     const std::string chosen = environment("PAGER", usualPager);
-    if (!wanted || isatty(STDOUT_FILENO) == 0 || chosen.empty() || chosen == "cat") {
+    if (!wanted || !isTerminal() || chosen.empty() || chosen == "cat") {
         return;
     }
     const std::string command = chosen + "\n[ $? -ne 127 ] || exec cat";  // what can't be started has read nothing

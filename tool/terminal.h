@@ -8,6 +8,9 @@
 
 namespace tool {
 
+/// Whether standard output is a terminal.
+bool isTerminal();
+
 /// Columns of the terminal that standard output is; 0 when it is none.
 std::size_t terminalWidth();
 
@@ -29,6 +32,10 @@ std::size_t widthOf(std::string_view text);
 /// A printable text broken into lines at its blanks, and where there are none at any character.
 /// @param width in columns; 0: one line
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
+
+/// Lines that begin with a start and a printable text broken behind it, below one another.
+/// @param width of the lines in columns; 0, and where the start leaves too little of it: one line
+std::string hanging(const std::string& start, std::string_view text, std::size_t width);
 
 /// While it lives, what goes to standard output is shown by $PAGER, or less, page by page; only on a terminal, and not
 /// when $PAGER is empty or there is no less.

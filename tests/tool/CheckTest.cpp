@@ -40,11 +40,11 @@ TEST_F(Check, NamesEachEntryThatIsNotShown) {
     EXPECT_EQ(complaint("customer"),
               customer +
                   ": sound, 1 of 6 entries readable\n"
-                  "  entry 2 service only\n"
-                  "  entry 3 wordless: a parameter can't be read: Value is not convertible to UInt64.\n"
-                  "  entry 4 unreadable: it holds a word that is not known\n"
-                  "  entry 5 damaged\n"
-                  "  entry 6 unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
+                  "  entry 2, I0, is service only\n"
+                  "  entry 3, W63, is wordless: a parameter can't be read: Value is not convertible to UInt64.\n"
+                  "  entry 4 is unreadable: it holds a word that is not known\n"
+                  "  entry 5 is damaged\n"
+                  "  entry 6 is unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
 }
 
 TEST_F(Check, KeepsTheNameOfAFolderFromSteeringTheTerminal) {

@@ -94,11 +94,11 @@ TEST_F(Exchange, RefusesABadLineByItsNumberAndImportsNothing) {
     storeEvening();
     const auto before = files();
     const auto reason = [&](const std::string& bad) { return refusal(line + bad + '\n' + line); };
-    const auto expected = [](const std::string& text) {
-        return "tqzel-logbook: line 2: " + text + "; nothing was imported\n";
+    const auto expected = [&](const std::string& text) {
+        return "tqzel-logbook: " + (elsewhere / "lines").string() + ": line 2: " + text + "; nothing was imported\n";
     };
     EXPECT_EQ(reason("{"), expected("not JSON: Line 1, Column 2: Missing '}' or object member name"));
-    EXPECT_EQ(reason(""), expected("is no JSON object"));
+    EXPECT_EQ(reason(""), expected("is empty"));
     EXPECT_EQ(reason("[]"), expected("is no JSON object"));
     EXPECT_EQ(reason(R"({"nanoseconds":0,"time":"","entry":""})"),
               expected("\"seconds\" is no whole number from -9223372036854775808 to 9223372036854775807"));
@@ -133,9 +133,9 @@ TEST_F(Exchange, NamesAFileThatCanNotBeReadOrWritten) {
 }
 
 TEST_F(Exchange, ImportsNothingWhenItCanNotReadOn) {
-    const std::string expected = "tqzel-logbook: can't read on behind line 0; nothing was imported\n";
-    EXPECT_EQ(failure("import customer - </"), expected);
-    EXPECT_EQ(failure("import customer /proc/self/mem"), expected);
+    const std::string reason = ": can't be read behind line 0; nothing was imported\n";
+    EXPECT_EQ(failure("import customer - </"), "tqzel-logbook: standard input" + reason);
+    EXPECT_EQ(failure("import customer /proc/self/mem"), "tqzel-logbook: /proc/self/mem" + reason);
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 

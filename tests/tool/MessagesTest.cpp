@@ -26,6 +26,13 @@ TEST_F(Messages, AreListedByType) {
     EXPECT_EQ(lines(output("messages --type info")), 17);
 }
 
+TEST_F(Messages, AreListedByWordsOfTheirWording) {
+    EXPECT_EQ(output("messages --grep 'ATTENUATION failed' --type error"),
+              "E14   Setting attenuation failed for amplifier {module} on bus {bus}!  [module: number; bus: number]\n");
+    EXPECT_EQ(output("messages --grep nonsense --format json"), "[]\n");
+    EXPECT_EQ(wrongUse("messages --grep '('"), "tqzel-logbook: --grep: \"(\" is no regular expression: missing ): (\n");
+}
+
 TEST_F(Messages, AreListedAsMarkdown) {
     const std::string page = output("messages --format markdown");
     const std::string header =
@@ -65,8 +72,9 @@ TEST_F(Explain, ReadsLeadingZeroesAsPeopleDo) {
 }
 
 TEST_F(Explain, RefusesWhatStandsForNothing) {
-    EXPECT_EQ(wrongUse("explain E4711"),
-              "tqzel-logbook: code: there is no message E4711; tqzel-logbook messages lists them\n");
+    EXPECT_EQ(
+        wrongUse("explain E4711"),
+        "tqzel-logbook: code: this version knows no message E4711; tqzel-logbook messages lists those it knows\n");
     for (const std::string name : {"X1", "14", "E", "E-1", "E+1", "E 1", "E1x", "E0x10", "E4294967297"}) {
         EXPECT_EQ(wrongUse("explain '" + name + '\''), "tqzel-logbook: code: \"" + name +
                                                            "\" is no code; expected E, W or I and a number, like "

@@ -25,6 +25,11 @@ TEST_F(Report, ShowsTheEntriesOfBothLogbooksInWords) {
     EXPECT_THAT(shown, Not(HasSubstr("There is no such logbook")));
 }
 
+TEST_F(Report, IsNotWrittenOntoATerminal) {
+    add("customer info 20");
+    EXPECT_EQ(onTerminal("report", "", 2), "tqzel-logbook: --output: is missing; a page is not for a terminal\n");
+}
+
 TEST_F(Report, NamesALogbookThatIsMissing) {
     add("customer info 20");
     EXPECT_THAT(page(), HasSubstr("<h2>Service logbook</h2>\n"

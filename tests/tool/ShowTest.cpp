@@ -198,6 +198,25 @@ TEST_F(Show, DoesNotTellOfWhatTheFilterWouldLeaveOutAnyway) {
     EXPECT_EQ(numbers("--raw --since 2026-11-21T18:03Z"), "5 4");
 }
 
+TEST_F(Show, SaysThatThereAreMoreThanTheUsualTwenty) {
+    const std::string restart = document("I", 20, "");
+    std::vector<std::string> documents(20, restart);
+    store("lgbCustomer", documents);
+    EXPECT_EQ(tool("show customer").errors, "");
+    store("lgbCustomer", std::vector<std::string>{document("I", 229, "")});
+    const std::string hint = "tqzel-logbook: these are the newest 20; --all shows every one\n";
+    EXPECT_EQ(tool("show customer --reverse --format jsonl").errors, hint);
+    EXPECT_EQ(tool("show customer --since 2026-11-20").errors, hint);
+    for (const std::string enough : {"--code I20", "--all", "--count 20", "--after 0", "--offset 1"}) {
+        EXPECT_EQ(tool("show customer " + enough).errors, "") << enough;
+    }
+}
+
+TEST_F(Show, RefusesAPeriodThatEndsBeforeItBegins) {
+    EXPECT_EQ(wrongUse("show customer --until 2026-11-20 --since 2026-11-21"),
+              "tqzel-logbook: --until: is a time before that of --since\n");
+}
+
 TEST_F(Show, ShowsRawWhatTheLogbookLeavesOutAndWhy) {
     storeFlawed();
     EXPECT_EQ(output("show customer --raw"),

@@ -20,12 +20,12 @@ TEST_F(Stats, CountsWhatALogbookHolds) {
               "       1  free text\n"
               "\n"
               "Units\n"
-              "       3  none\n"
-              "       1  2\n"
+              "       3  no unit\n"
+              "       1  unit 2\n"
               "\n"
               "Devices\n"
-              "       3  none\n"
-              "       1  4\n"
+              "       3  no device\n"
+              "       1  device 4\n"
               "\n"
               "Standing\n"
               "       3  shown\n"
@@ -59,13 +59,28 @@ TEST_F(Stats, CountsWhatAFilterLeaves) {
               "       1  W63  Too low driver current for amplifier {module} on bus {bus} reduced RF Power\n"
               "\n"
               "Units\n"
-              "       1  2\n"
+              "       1  unit 2\n"
               "\n"
               "Devices\n"
-              "       1  4\n"
+              "       1  device 4\n"
               "\n"
               "Over time, 1 s a line\n"
               "  2026-11-21 19:02:00  ########################################  1\n");
+}
+
+TEST_F(Stats, ListsEquallyFrequentUnitsByNumber) {
+    store("lgbCustomer", std::vector<std::string>{document("I", 20, "", 10), document("I", 20, "", 9)});
+    EXPECT_THAT(output("stats customer"), testing::HasSubstr("Units\n"
+                                                             "       1  unit 9\n"
+                                                             "       1  unit 10\n"));
+}
+
+TEST_F(Stats, KeepsToTheTerminal) {
+    storeEvening();
+    EXPECT_THAT(onTerminal("stats customer --type warning", "PAGER="),
+                testing::HasSubstr("Messages\n"
+                                   "       1  W63  Too low driver current for amplifier {module} on bus {bus}\n"
+                                   "          reduced RF Power\n"));
 }
 
 TEST_F(Stats, SaysThatThereIsNothing) {

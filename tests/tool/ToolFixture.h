@@ -43,12 +43,12 @@ protected:
     void add(const std::string& arguments) const { EXPECT_EQ(output("add " + arguments), ""); }
 
     /// What a terminal of 80 columns shows.
-    std::string onTerminal(const std::string& arguments, const std::string& environment) const {
+    std::string onTerminal(const std::string& arguments, const std::string& environment, int exitCode = 0) const {
         const support::TemporaryFolder scripts;
         support::write(scripts / "run", "stty cols 80\n" + command(arguments, environment) + '\n');
         const support::Outcome outcome =
             support::run("SHELL=/bin/sh script -qec 'sh " + (scripts / "run").string() + "' /dev/null </dev/null");
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_EQ(outcome.exitCode, exitCode) << outcome.errors;
         std::string text = outcome.output;
         text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
         return text;
