@@ -93,8 +93,8 @@ public:
 
 void declareHelp(CLI::App& app) {
     std::vector<std::string> names;
-    for (const Command& command : interfaceOf(app).commands) {
-        names.push_back(command.name);
+    for (const CLI::App* const other : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(other->get_name());
     }
     CLI::App& command = *app.add_subcommand("help", "Tell how a command is used");
     const auto name = std::make_shared<std::string>();
