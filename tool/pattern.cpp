@@ -7,10 +7,10 @@
 namespace tool {
 
 Pattern::Pattern(const std::string& text) {
-    re2::RE2::Options options;
-    options.set_case_sensitive(false);
-    options.set_log_errors(false);
-    compiled = std::make_shared<const re2::RE2>(text, options);
+    re2::RE2::Options settings;
+    settings.set_case_sensitive(false);
+    settings.set_log_errors(false);
+    compiled = std::make_shared<const re2::RE2>(text, settings);
     if (!compiled->ok()) {
         throw std::invalid_argument('"' + text + "\" is no regular expression: " + compiled->error());
     }
