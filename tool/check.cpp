@@ -4,6 +4,7 @@
 #include "terminal.h"
 #include "words.h"
 
+#include <lgb/Entry.h>
 #include <standalone/errors.h>
 
 #include <iostream>
@@ -17,14 +18,15 @@ namespace {
 
 /// What it is that a logbook does not show, and why not.
 std::string describe(const ReadEntry& read) {
-    const std::string code = isRead(read) ? ", " + codeOf(read.entry) + ',' : "";
+    const bool hasCode = isRead(read) && !lgb::isServiceOnly(read.entry);
+    const std::string code = hasCode ? ", " + codeOf(read.entry) + ',' : "";
     const std::string reason = read.reason.empty() ? "" : ": " + printable(read.reason);
     return "entry " + std::to_string(read.number) + code + " is " + nameOf(read.standing) + reason;
 }
 
 /// What is listed below a file.
 std::string item(const std::string& text, std::size_t width) {
-    return hanging("  ", text, width);
+    return hanging("  - ", text, width);
 }
 
 /// Prints whether every entry can be read, and which can't.

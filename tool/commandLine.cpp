@@ -8,9 +8,11 @@
 
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace tool {
 
@@ -24,6 +26,15 @@ int complain(const std::string& reason, int exitCode) {
     return exitCode;
 }
 
+/// A folder that is not there yet is one.
+std::string whyNoFolder(const std::string& name) {
+    if (name.empty()) {
+        return "is empty";
+    }
+    std::error_code none;
+    return std::filesystem::is_regular_file(name, none) ? name + " is a file, expected the folder it is in" : "";
+}
+
 void declare(CLI::App& app, Selection& selection) {
     setHelp(app);
     app.set_version_flag("--version", TQZEL_VERSION, "Show the version");
@@ -31,7 +42,7 @@ void declare(CLI::App& app, Selection& selection) {
     app.fallthrough();
     app.add_option("--folder", selection.folder, "Folder of the logbooks; else $TQZEL_LOGBOOK_DIR, or under $HOME")
         ->type_name("FOLDER")
-        ->check(CLI::Validator([](const std::string& name) { return name.empty() ? "is empty" : ""; }, ""));
+        ->check(CLI::Validator(whyNoFolder, ""));
     declareShow(app, selection);
     declareStats(app, selection);
     declareReport(app, selection);

@@ -14,7 +14,7 @@ void declareClear(CLI::App& app, Selection& selection);
 void declareCompletion(CLI::App& app);
 void declareExplain(CLI::App& app);
 void declareExport(CLI::App& app, Selection& selection);
-void declareHelp(CLI::App& app);  ///< of the commands that were declared before
+void declareHelp(CLI::App& app);  ///< of itself and the commands that were declared before
 void declareImport(CLI::App& app, Selection& selection);
 void declareManual(CLI::App& app);
 void declareMessages(CLI::App& app);

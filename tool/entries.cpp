@@ -1,6 +1,7 @@
 #include "entries.h"
 
 #include "moments.h"
+#include "terminal.h"
 
 #include <lgb/DescriptionCreator.h>
 #include <lgb/Entry.h>
@@ -14,6 +15,7 @@
 #include <cstdint>
 #include <exception>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 namespace tool {
@@ -101,6 +103,21 @@ std::map<std::string, std::string> wordings() {
         words[codeOf(message.type, message.id)] = message.words;
     }
     return words;
+}
+
+bool ShownMessage::operator<(const ShownMessage& other) const {
+    return std::tie(code, words) < std::tie(other.code, other.words);
+}
+
+ShownMessage messageOf(const Entry& entry, const std::map<std::string, std::string>& words) {
+    if (lgb::isServiceOnly(entry)) {
+        return {entry.type, "", "free text"};
+    }
+    if (entry.details.generation == enums::Generation::Kestrel) {
+        return {entry.type, codeOf(entry), printable(entry.description)};
+    }
+    const auto found = words.find(codeOf(entry));
+    return {entry.type, codeOf(entry), found == words.end() ? "unknown entry" : found->second};
 }
 
 ReadEntry readEntry(const StoredRecord& record, bool service) {

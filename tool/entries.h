@@ -44,6 +44,19 @@ std::string codeOf(const tqbase2::nsa::zel::logbook::Entry& entry);
 /// The wording of each message by its short name.
 std::map<std::string, std::string> wordings();
 
+/// A message as it is counted: by its words, too, as those of the older generation are no messages of ours.
+struct ShownMessage {
+    tqbase2::nsa::zel::enums::LogbookEntryType type;
+    std::string code;  ///< empty for free texts
+    std::string words;
+
+    bool operator<(const ShownMessage& other) const;
+};
+
+/// @param entry that could be read
+/// @param words as wordings() returns them
+ShownMessage messageOf(const tqbase2::nsa::zel::logbook::Entry& entry, const std::map<std::string, std::string>& words);
+
 /// Reads a record as its logbook does.
 /// @param service whether it is of the service logbook
 ReadEntry readEntry(const standalone::StoredRecord& record, bool service);

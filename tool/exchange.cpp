@@ -200,8 +200,12 @@ void importFrom(std::istream& stream, const std::string& file, const Selection& 
     if (couldNotBeRead(stream)) {
         throw std::runtime_error(fmt::format("{}: can't be read behind line {}; nothing was imported", file, number));
     }
+    const bool isNew = !folderExists(selection);
     const std::int64_t dropped = standalone::SqliteDatabaseFactory(folderOf(selection))
                                      .addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
+    if (isNew) {
+        tellOfNewFolder(selection);
+    }
     std::cout << entries(number) << " imported";
     if (number > capacity) {
         std::cout << ", of which the newest " << capacity << " are kept";

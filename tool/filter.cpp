@@ -104,11 +104,12 @@ void declareFilter(CLI::App& command, Filter& filter) {
     for (CLI::Option* const option : options) {
         option->group("Which entries");
     }
-    command.parse_complete_callback([&filter] {
-        if (filter.since && filter.until && *filter.until < *filter.since) {
-            throw CLI::ValidationError("--until", "is a time before that of --since");
-        }
-    });
+}
+
+void requirePeriod(const Filter& filter) {
+    if (filter.since && filter.until && *filter.until < *filter.since) {
+        throw CLI::ValidationError("--until", "lies before --since");
+    }
 }
 
 }  // namespace tool

@@ -35,6 +35,10 @@ private:
 /// Declares an option for each condition.
 void declareFilter(CLI::App& command, Filter& filter);
 
+/// Requires that the time that is asked for does not end before it begins.
+/// @throws CLI::ValidationError
+void requirePeriod(const Filter& filter);
+
 /// The code a short name such as "E14" stands for.
 /// @throws CLI::ValidationError naming `argument`
 lgb::code::Code codeNamed(const std::string& argument, const std::string& name);

@@ -92,11 +92,11 @@ public:
 }  // namespace
 
 void declareHelp(CLI::App& app) {
-    std::vector<std::string> names;
-    for (const CLI::App* const other : app.get_subcommands([](const CLI::App*) { return true; })) {
-        names.push_back(other->get_name());
-    }
     CLI::App& command = *app.add_subcommand("help", "Tell how a command is used");
+    std::vector<std::string> names;
+    for (const CLI::App* const each : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(each->get_name());
+    }
     const auto name = std::make_shared<std::string>();
     takeOneOf(command.add_option("command", *name, "Which one; the tool itself unless given"), names)
         ->option_text("COMMAND");

@@ -1,5 +1,6 @@
 #include "logbooks.h"
 
+#include "terminal.h"
 #include "validators.h"
 
 #include <lgb/IDatabase.h>
@@ -8,6 +9,8 @@
 #include <standalone/errors.h>
 
 #include <cstdint>
+#include <iostream>
+#include <system_error>
 #include <vector>
 
 namespace tool {
@@ -90,8 +93,22 @@ CLI::Option* declareLogbook(CLI::App& command, Selection& selection) {
     return takeOneOf(option, logbookNames);
 }
 
+bool folderExists(const Selection& selection) {
+    std::error_code none;
+    return std::filesystem::exists(folderOf(selection), none);
+}
+
+void tellOfNewFolder(const Selection& selection) {
+    std::cerr << "tqzel-logbook: made the folder " << printable(folderOf(selection).string()) << '\n';
+}
+
 std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {
-    return std::make_unique<lgb::ZelLogbook>(SelectedDatabaseFactory(selection), lgb::LogbookFactory());
+    const bool isNew = !folderExists(selection);
+    auto logbooks = std::make_unique<lgb::ZelLogbook>(SelectedDatabaseFactory(selection), lgb::LogbookFactory());
+    if (isNew) {
+        tellOfNewFolder(selection);
+    }
+    return logbooks;
 }
 
 std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection) {

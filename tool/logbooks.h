@@ -37,6 +37,11 @@ std::filesystem::path fileOf(const Selection& selection);
 /// Most records the selected logbook keeps.
 std::uint32_t capacityOf(const Selection& selection);
 
+bool folderExists(const Selection& selection);
+
+/// Says on standard error that the folder was made: its name may be mistyped.
+void tellOfNewFolder(const Selection& selection);
+
 /// Opens the selected logbook, making it when missing. The other one is neither made nor opened, so that nothing wrong
 /// with it stops the command; do not use it.
 /// @throws standalone::DatabaseError

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "interface.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <iostream>
@@ -41,7 +42,7 @@ Folder of the logbooks.
 From which level on, 1 to 4, the library's diagnostic log goes to standard error; 5, which is usual here: none.
 .TP
 .B PAGER
-Shows a logbook page by page on a terminal;
+Shows long lists page by page on a terminal;
 .B less
 unless set.
 .TP
@@ -133,7 +134,12 @@ void printManual(const Interface& all) {
 
 void declareManual(CLI::App& app) {
     CLI::App& command = *app.add_subcommand("man", "Print the manual page");
-    command.callback([&app] { printManual(interfaceOf(app)); });
+    command.callback([&app] {
+        if (isTerminal()) {
+            throw CLI::ValidationError("man", "what it prints is not for a terminal; pipe it into man -l -");
+        }
+        printManual(interfaceOf(app));
+    });
 }
 
 }  // namespace tool

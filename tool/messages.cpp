@@ -106,13 +106,13 @@ struct ListFormat {
 constexpr ListFormat listFormats[] = {{"table", printTable}, {"markdown", printMarkdown}, {"json", printJson}};
 
 /// Which messages are to be listed, and how.
-struct Request {
+struct ListRequest {
     std::string type;
     Pattern pattern;
     std::string format = "table";
 };
 
-void listMessages(const Request& request) {
+void listMessages(const ListRequest& request) {
     std::vector<Message> messages;
     for (const Message& message : lgb::catalogue::messages()) {
         if ((request.type.empty() || message.type == typeNamed(request.type)) &&
@@ -124,7 +124,12 @@ void listMessages(const Request& request) {
 }
 
 void explain(const std::string& name) {
-    const Message message = messageOf(codeNamed("code", name), "code", name);
+    const lgb::code::Code code = codeNamed("code", name);
+    if (code.id() == 0) {
+        std::cout << codeOf(code.type(), code.id()) << "  a free text, which only the service logbook shows\n";
+        return;
+    }
+    const Message message = messageOf(code, "code", name);
     std::cout << codeOf(message.type, message.id) << "  " << wordingOf(message) << '\n';
     for (const Place& place : message.places) {
         std::cout << fmt::format("  {{{}}} is made from parameter \"{}\": {}\n", place.name, place.key, place.holds);
@@ -135,7 +140,7 @@ void explain(const std::string& name) {
 
 void declareMessages(CLI::App& app) {
     CLI::App& command = *app.add_subcommand("messages", "List all messages with their parameters");
-    const auto request = std::make_shared<Request>();
+    const auto request = std::make_shared<ListRequest>();
     takeOneOf(command.add_option("--type", request->type, "Only of this type"), typeNames);
     declarePattern(command, request->pattern,
                    "Only with this regular expression in the wording, in upper or lower case");

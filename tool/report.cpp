@@ -29,28 +29,15 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace tool {
 
 namespace mustache = kainjow::mustache;
-using tqbase2::nsa::zel::enums::Generation;
 using tqbase2::nsa::zel::enums::LogbookEntryType;
 using tqbase2::nsa::zel::logbook::Entry;
 
 namespace {
-
-/// A message as it is counted: by its words, too, as those of the older generation are no messages of ours.
-struct ShownMessage {
-    LogbookEntryType type;
-    std::string code;
-    std::string words;
-
-    bool operator<(const ShownMessage& other) const {
-        return std::tie(code, words) < std::tie(other.code, other.words);
-    }
-};
 
 /// What a report tells of a logbook.
 struct Contents {
@@ -133,18 +120,6 @@ mustache::data rowOf(const ReadEntry& read) {
     return row;
 }
 
-ShownMessage messageOf(const ReadEntry& read, const std::map<std::string, std::string>& words) {
-    const Entry& entry = read.entry;
-    if (lgb::isServiceOnly(entry)) {
-        return {entry.type, "", "free text"};
-    }
-    if (entry.details.generation == Generation::Kestrel) {
-        return {entry.type, codeOf(entry), printable(entry.description)};
-    }
-    const auto found = words.find(codeOf(entry));
-    return {entry.type, codeOf(entry), found == words.end() ? "unknown entry" : found->second};
-}
-
 /// Reads all there is of a logbook.
 Contents read(const Selection& selection) {
     Contents contents;
@@ -162,7 +137,7 @@ Contents read(const Selection& selection) {
             contents.entries += row.render(rowOf(each));
             if (isRead(each)) {
                 contents.moments.push_back({each.entry.timestamp.seconds, each.entry.type});
-                ++contents.messages[messageOf(each, words)];
+                ++contents.messages[messageOf(each.entry, words)];
             }
             return true;
         });
@@ -370,7 +345,7 @@ mustache::data pageOf(const std::vector<Contents>& logbooks, const std::filesyst
 
 void report(const Selection& selection, const std::string& file, const std::string& title) {
     if (file.empty() && isTerminal()) {
-        throw CLI::ValidationError("--output", "is missing; a page is not for a terminal");
+        throw CLI::ValidationError("--output", "is missing, expected a file; a page is not for a terminal");
     }
     std::vector<Contents> logbooks;
     std::string faults;
@@ -401,7 +376,10 @@ void declareReport(CLI::App& app, Selection& selection) {
 
     CLI::App& command = *app.add_subcommand("report", "Write both logbooks as one HTML page to send to a colleague");
     const auto request = std::make_shared<Request>();
-    command.add_option("--output", request->file, "File to write, standard output unless given")->type_name("FILE");
+    command
+        .add_option("--output", request->file,
+                    "File to write, standard output unless given, which then must be no terminal")
+        ->type_name("FILE");
     command.add_option("--title", request->title, "What stands above the report")->type_name("TEXT");
     command.callback([&selection, request] { report(selection, request->file, request->title); });
 }

@@ -71,11 +71,12 @@ void tell(const LeftOut& leftOut) {
 
 /// Whether nobody said how many, so that it has to be told that there are more.
 bool isUsualPage(const Request& request) {
-    return !request.all && !request.count && !request.after && request.offset == 0;
+    return !request.follow && !request.all && !request.count && !request.after && request.offset == 0;
 }
 
 /// What came of a page.
 struct Page {
+    bool isEmpty = true;
     LeftOut leftOut;
     std::int64_t newest = 0;  ///< the highest number that was seen
     bool hasMore = false;     ///< only looked for where it has to be told
@@ -106,6 +107,7 @@ Page showPage(standalone::LogbookReader& reader, const Selection& selection, con
         if (!isWanted(read, request, page.leftOut) || ++wanted <= request.offset) {
             return true;
         }
+        page.isEmpty = false;
         if (turnsRound) {
             turned.push_front(std::move(read));
         } else {
@@ -190,12 +192,17 @@ void show(const Selection& selection, Request request) {
     if (request.follow && request.format == "json") {
         throw CLI::ValidationError("--follow", "what goes on has no end, as json needs one; jsonl does not");
     }
+    requirePeriod(request.filter);
     request.look.coloured = isColoured(request.colour);
     request.look.width = terminalWidth();
     if (request.follow) {
         follow(selection, request);
     }
-    tell(showInPager(selection, request));  // not into the page that the pager shows
+    const Page page = showInPager(selection, request);
+    tell(page);  // not into the page that the pager shows
+    if (page.isEmpty && page.leftOut.empty() && request.format == "table") {
+        std::cerr << "tqzel-logbook: there is no such entry\n";
+    }
 }
 
 }  // namespace
@@ -216,6 +223,7 @@ void declareShow(CLI::App& app, Selection& selection) {
         ->excludes("--offset")
         ->excludes("--all");
     declareFilter(command, request->filter);
+    command.get_option("--follow")->excludes("--until");
     takeOneOf(command.add_option("--format", request->format, "How to show them, table unless given"),
               listingFormats());
     command.add_flag("--raw", request->look.raw, "With code and parameters; also what the logbook leaves out, and why");

@@ -8,11 +8,10 @@
 #include "validators.h"
 #include "words.h"
 
-#include <lgb/Entry.h>
-
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -26,25 +25,25 @@ namespace {
 /// What a logbook holds, counted.
 struct Statistics {
     Counts<std::string> types;
-    Counts<std::string> messages;
-    Counts<std::int64_t> units;  // negative: none
-    Counts<std::int64_t> devices;
+    Counts<ShownMessage> messages;
+    Counts<std::int64_t> units;    // -1: none
+    Counts<std::int64_t> devices;  // the same
     Counts<std::string> standings;
     std::vector<std::int64_t> seconds;
 
     std::int64_t all() const { return static_cast<std::int64_t>(seconds.size()); }
 };
 
-void count(const ReadEntry& read, Statistics& statistics) {
+void count(const ReadEntry& read, const std::map<std::string, std::string>& words, Statistics& statistics) {
     statistics.seconds.push_back(read.entry.timestamp.seconds);
     ++statistics.standings[nameOf(read.standing)];
     if (!isRead(read)) {
         return;
     }
     ++statistics.types[nameOf(read.entry.type)];
-    ++statistics.messages[lgb::isServiceOnly(read.entry) ? "free text" : codeOf(read.entry)];
-    ++statistics.units[read.entry.details.unit];
-    ++statistics.devices[read.entry.details.device];
+    ++statistics.messages[messageOf(read.entry, words)];
+    ++statistics.units[std::max<std::int64_t>(read.entry.details.unit, -1)];
+    ++statistics.devices[std::max<std::int64_t>(read.entry.details.device, -1)];
 }
 
 /// @param describe what was counted
@@ -99,9 +98,8 @@ void print(const Statistics& statistics, std::size_t width) {
     }
     const auto [first, last] = std::minmax_element(statistics.seconds.begin(), statistics.seconds.end());
     std::cout << " from " << localZonedMinute(*first) << " to " << localZonedMinute(*last) << '\n';
-    const auto inWords = [words = wordings()](const std::string& code) {
-        const auto wording = words.find(code);
-        return wording == words.end() ? code : code + "  " + wording->second;
+    const auto inWords = [](const ShownMessage& message) {
+        return message.code + (message.code.empty() ? "" : "  ") + message.words;
     };
     print("Types", statistics.types, width, unchanged);
     print("Messages", statistics.messages, width, inWords);
@@ -114,11 +112,13 @@ void print(const Statistics& statistics, std::size_t width) {
 }
 
 void stats(const Selection& selection, const Filter& filter) {
+    requirePeriod(filter);
     standalone::LogbookReader reader(fileOf(selection));
+    const auto words = wordings();
     Statistics statistics;
     forEachEntry(reader, {}, isService(selection), [&](ReadEntry&& read) {
         if (filter.matches(read)) {
-            count(read, statistics);
+            count(read, words, statistics);
         }
         return true;
     });

@@ -16,7 +16,7 @@ namespace tool {
 namespace {
 
 // Not every device has less.
-constexpr const char* usualPager = "if command -v less >/dev/null; then exec less; else exec cat; fi";
+constexpr const char* usualPager = "if command -v less >/dev/null; then exec less -R; else exec cat; fi";
 
 std::string environment(const char* variable, const char* otherwise) {
     const char* const value = std::getenv(variable);

@@ -33,8 +33,9 @@ std::size_t widthOf(std::string_view text);
 /// @param width in columns; 0: one line
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
-/// Lines that begin with a start and a printable text broken behind it, below one another.
-/// @param width of the lines in columns; 0, and where the start leaves too little of it: one line
+/// A start and a printable text behind it, broken into lines that are indented as far as the start is wide; each ends
+/// with a line feed.
+/// @param width of the lines in columns; 0, or no more than twice that of the start: the text is not broken
 std::string hanging(const std::string& start, std::string_view text, std::size_t width);
 
 /// While it lives, what goes to standard output is shown by $PAGER, or less, page by page; only on a terminal, and not

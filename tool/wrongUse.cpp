@@ -116,6 +116,9 @@ std::string explainWrongUse(const CLI::App& app, const CLI::ParseError& error) {
     if (&command == &app && isOf<CLI::RequiredError>(error)) {
         return "a command is missing" + lookUp(app);
     }
+    if (isOf<CLI::RequiredError>(error) && !leftOver.empty()) {
+        return '"' + leftOver.front() + "\" belongs behind the command " + command.get_name();
+    }
     if (isOf<CLI::RequiredError>(error)) {
         return explainMissing(command, error.what());
     }

@@ -23,7 +23,7 @@ struct Source {
     std::int64_t device = -1;
 };
 
-/// Records one event in both logbooks, and errors and warnings in the diagnostic log as well.
+/// Records one event in both logbooks and mirrors it into the diagnostic log.
 void record(lgb::IZelLogbook& logbooks, const Code& code, const std::string& params, Source source = {}) {
     lgb::Entry event(code, params);
     event.details.unit = source.unit;

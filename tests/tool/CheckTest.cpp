@@ -40,11 +40,21 @@ TEST_F(Check, NamesEachEntryThatIsNotShown) {
     EXPECT_EQ(complaint("customer"),
               customer +
                   ": sound, 1 of 6 entries readable\n"
-                  "  entry 2, I0, is service only\n"
-                  "  entry 3, W63, is wordless: a parameter can't be read: Value is not convertible to UInt64.\n"
-                  "  entry 4 is unreadable: it holds a word that is not known\n"
-                  "  entry 5 is damaged\n"
-                  "  entry 6 is unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
+                  "  - entry 2 is service only\n"
+                  "  - entry 3, W63, is wordless: a parameter can't be read: Value is not convertible to UInt64.\n"
+                  "  - entry 4 is unreadable: it holds a word that is not known\n"
+                  "  - entry 5 is damaged\n"
+                  "  - entry 6 is unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
+}
+
+TEST_F(Check, GoesThroughThePagerOnATerminalAndTellsTheFaultBehindIt) {
+    store("lgbCustomer", std::vector<std::string>{"{"});
+    EXPECT_EQ(onTerminal("check customer", "PAGER=\"sed 's/^/| /'\"", 1),
+              "| " + customer +
+                  ": sound, 0 of 1 entry readable\n"
+                  "|   - entry 1 is unreadable: not JSON: Line 1, Column 2: Missing '}' or object\n"
+                  "|     member name\n"
+                  "tqzel-logbook: not everything is as it should be\n");
 }
 
 TEST_F(Check, KeepsTheNameOfAFolderFromSteeringTheTerminal) {
@@ -55,7 +65,7 @@ TEST_F(Check, KeepsTheNameOfAFolderFromSteeringTheTerminal) {
 TEST_F(Check, NamesWhatIsDamagedInTheStructure) {
     storeEvening();
     change("PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
-    EXPECT_THAT(complaint("customer"), testing::AllOf(testing::StartsWith(customer + ": damaged\n  "),
+    EXPECT_THAT(complaint("customer"), testing::AllOf(testing::StartsWith(customer + ": damaged\n  - "),
                                                       testing::HasSubstr("2nd reference to page 2")));
 }
 

@@ -94,12 +94,24 @@ TEST_F(Help, TellsArgumentsOptionsAndExamplesOfACommand) {
               "--folder and what else tqzel-logbook --help lists may stand here as well.\n");
 }
 
+TEST_F(Help, PrintsNoManualOntoATerminal) {
+    EXPECT_EQ(onTerminal("man", "", 2),
+              "tqzel-logbook: man: what it prints is not for a terminal; pipe it into man -l -\n");
+}
+
+TEST_F(Help, AndTheVersionMayStandOnEitherSideOfTheCommand) {
+    EXPECT_EQ(output("--help show"), help("show"));
+    EXPECT_EQ(output("show --version"), output("--version"));
+    EXPECT_EQ(output("--version stats"), output("--version"));
+}
+
 TEST_F(Help, IsACommandToo) {
     EXPECT_EQ(output("help"), help(""));
     EXPECT_EQ(output("help clear"), help("clear"));
+    EXPECT_EQ(output("help help"), help("help"));
     EXPECT_EQ(refusal("help nonsense"),
               "command: \"nonsense\" is not one of show, stats, report, check, add, clear, export, import, messages, "
-              "explain, completion, man");
+              "explain, completion, man, help");
 }
 
 TEST_F(Help, GroupsOptionsAndKeepsToALineOf100Columns) {
@@ -135,6 +147,7 @@ protected:
         EXPECT_EQ(shell("filled",
                         "tqzel-logbook add customer error 14 --bus 1 --module 3 &&"
                         "tqzel-logbook add service info --text 'Fan 1 replaced' &&"
+                        "tqzel-logbook add service error 79 --unit 1 &&"
                         "tqzel-logbook export customer --output customer.jsonl &&"
                         "tqzel-logbook export service --output service.jsonl &&"
                         "mkdir copied && cp *.db copied")
@@ -194,6 +207,15 @@ TEST_F(Help, NamesTheCommandThatIsMissingOrMistyped) {
     EXPECT_EQ(refusal("''"), "there is no command \"\" (see tqzel-logbook --help)");
     EXPECT_EQ(refusal("\"$(printf 'two\\nlines')\""),
               "there is no command \"two\\x0alines\" (see tqzel-logbook --help)");
+}
+
+TEST_F(Help, TellsThatAWordStandsBeforeTheCommand) {
+    EXPECT_EQ(refusal("customer show"), "\"customer\" belongs behind the command show");
+}
+
+TEST_F(Help, ExpectsAFolderNotAFile) {
+    EXPECT_EQ(refusal(std::string("show customer --folder ") + TQZEL_TOOL),
+              std::string("--folder: ") + TQZEL_TOOL + " is a file, expected the folder it is in");
 }
 
 TEST_F(Help, NamesTheOptionThatIsMistyped) {

@@ -67,6 +67,10 @@ TEST_F(Explain, TellsWhatACodeStandsFor) {
     EXPECT_EQ(output("explain I20"), "I20  System restarted.\n");
 }
 
+TEST_F(Explain, KnowsTheCodeOfFreeTexts) {
+    EXPECT_EQ(output("explain I0"), "I0  a free text, which only the service logbook shows\n");
+}
+
 TEST_F(Explain, ReadsLeadingZeroesAsPeopleDo) {
     EXPECT_EQ(output("explain I020"), "I20  System restarted.\n");
 }

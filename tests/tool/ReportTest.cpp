@@ -27,7 +27,8 @@ TEST_F(Report, ShowsTheEntriesOfBothLogbooksInWords) {
 
 TEST_F(Report, IsNotWrittenOntoATerminal) {
     add("customer info 20");
-    EXPECT_EQ(onTerminal("report", "", 2), "tqzel-logbook: --output: is missing; a page is not for a terminal\n");
+    EXPECT_EQ(onTerminal("report", "", 2),
+              "tqzel-logbook: --output: is missing, expected a file; a page is not for a terminal\n");
 }
 
 TEST_F(Report, NamesALogbookThatIsMissing) {

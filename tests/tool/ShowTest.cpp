@@ -111,7 +111,7 @@ TEST_F(Show, RefusesWhatIsNoTimeNoCodeAndNoPattern) {
 
 TEST_F(Show, AnswersAPatternThatIsMeantToTakeForever) {
     store("lgbService", std::vector<std::string>{freeText(std::string(5000, 'a'))});
-    EXPECT_EQ(output("show service --grep '(a+)+(a|aa)*b$'"), headingsAlone);
+    EXPECT_EQ(output("show service --format json --grep '(a+)+(a|aa)*b$'"), "[]\n");
     EXPECT_THAT(wrongUse("show service --grep '((a{1000}){1000}){1000}'"), HasSubstr("is no regular expression"));
 }
 
@@ -200,10 +200,10 @@ TEST_F(Show, DoesNotTellOfWhatTheFilterWouldLeaveOutAnyway) {
 
 TEST_F(Show, SaysThatThereAreMoreThanTheUsualTwenty) {
     const std::string restart = document("I", 20, "");
-    std::vector<std::string> documents(20, restart);
-    store("lgbCustomer", documents);
-    EXPECT_EQ(tool("show customer").errors, "");
     store("lgbCustomer", std::vector<std::string>{document("I", 229, "")});
+    store("lgbCustomer", std::vector<std::string>(19, restart));
+    EXPECT_EQ(tool("show customer").errors, "");
+    store("lgbCustomer", std::vector<std::string>{restart});
     const std::string hint = "tqzel-logbook: these are the newest 20; --all shows every one\n";
     EXPECT_EQ(tool("show customer --reverse --format jsonl").errors, hint);
     EXPECT_EQ(tool("show customer --since 2026-11-20").errors, hint);
@@ -212,9 +212,23 @@ TEST_F(Show, SaysThatThereAreMoreThanTheUsualTwenty) {
     }
 }
 
+TEST_F(Show, SaysThatThereIsNothingToShow) {
+    storeEvening();
+    EXPECT_EQ(tool("show customer --unit 7").errors, "tqzel-logbook: there is no such entry\n");
+    EXPECT_EQ(tool("show customer --after 3 --format jsonl").errors, "");
+}
+
+TEST_F(Show, FollowsNothingThatIsOver) {
+    storeEvening();
+    EXPECT_EQ(wrongUse("show customer --follow --until now"),
+              "tqzel-logbook: --follow and --until can't be given together\n");
+}
+
 TEST_F(Show, RefusesAPeriodThatEndsBeforeItBegins) {
     EXPECT_EQ(wrongUse("show customer --until 2026-11-20 --since 2026-11-21"),
-              "tqzel-logbook: --until: is a time before that of --since\n");
+              "tqzel-logbook: --until: lies before --since\n");
+    EXPECT_EQ(wrongUse("stats customer --until 2026-11-20 --since 2026-11-21"),
+              "tqzel-logbook: --until: lies before --since\n");
 }
 
 TEST_F(Show, ShowsRawWhatTheLogbookLeavesOutAndWhy) {

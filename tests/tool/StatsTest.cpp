@@ -16,8 +16,8 @@ TEST_F(Stats, CountsWhatALogbookHolds) {
               "\n"
               "Messages\n"
               "       2  E14  Setting attenuation failed for amplifier {module} on bus {bus}\n"
-              "       1  I20  System restarted\n"
               "       1  free text\n"
+              "       1  I20  System restarted\n"
               "\n"
               "Units\n"
               "       3  no unit\n"
@@ -66,6 +66,22 @@ TEST_F(Stats, CountsWhatAFilterLeaves) {
               "\n"
               "Over time, 1 s a line\n"
               "  2026-11-21 19:02:00  ########################################  1\n");
+}
+
+TEST_F(Stats, CountsMessagesOfTheFirstGenerationByTheirWords) {
+    add("customer info 20");
+    add("customer info 20 --generation Kestrel --params '{\"typeProduct\":\"Wren\",\"text\":\"Fan cleaned\"}'");
+    add("customer info 20");
+    store("lgbCustomer", std::vector<std::string>{document("W", 4711, "")});
+    EXPECT_THAT(output("stats customer"), testing::HasSubstr("Messages\n"
+                                                             "       2  I20  System restarted\n"
+                                                             "       1  I20  Wren Fan cleaned\n"
+                                                             "       1  W4711  unknown entry\n"));
+}
+
+TEST_F(Stats, TakesEachNegativeNumberForNone) {
+    store("lgbCustomer", std::vector<std::string>{document("I", 20, "", -1), document("I", 20, "", -2)});
+    EXPECT_THAT(output("stats customer"), testing::HasSubstr("Units\n       2  no unit\n\n"));
 }
 
 TEST_F(Stats, ListsEquallyFrequentUnitsByNumber) {

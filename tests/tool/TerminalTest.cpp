@@ -49,6 +49,12 @@ TEST(Terminal, MakesNoLineOfBlanksAtTheEnd) {
     EXPECT_THAT(wrapped("abc   ", 3), ElementsAre("abc"));
 }
 
+TEST(Terminal, LetsATextHangBehindItsStart) {
+    EXPECT_EQ(tool::hanging("E14   ", "one two three", 13), "E14   one two\n      three\n");
+    EXPECT_EQ(tool::hanging("E14   ", "one two three", 12), "E14   one two three\n");
+    EXPECT_EQ(tool::hanging("E14   ", "one two three", 0), "E14   one two three\n");
+}
+
 TEST(Terminal, WrapsALongText) {
     EXPECT_EQ(wrapped(std::string(1000000, 'a'), 2).size(), 500000U);
 }

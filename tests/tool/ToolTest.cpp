@@ -71,6 +71,15 @@ TEST_F(Tool, ShowsAnEmptyLogbookAsItsHeadings) {
     EXPECT_EQ(shown("customer"), headingsAlone);
 }
 
+TEST_F(Tool, SaysThatItMakesAFolder) {
+    const std::string mistyped = (folder / "evenign").string();
+    const std::string told = "tqzel-logbook: made the folder " + mistyped + "\n";
+    EXPECT_EQ(tool("add customer info 20 --folder " + mistyped).errors, told);
+    EXPECT_EQ(tool("add customer info 20 --folder " + mistyped).errors, "");
+    EXPECT_EQ(tool("import customer /dev/null --folder " + mistyped + "/again").errors,
+              "tqzel-logbook: made the folder " + mistyped + "/again\n");
+}
+
 TEST_F(Tool, KeepsTheTwoLogbooksApart) {
     add("service info --text 'Fan 2 replaced' --unit 1");
     add("customer info 20");
@@ -162,7 +171,7 @@ TEST_F(Tool, AsksBeforeItClears) {
 
 TEST_F(Tool, WorksInTheFolderOfTheOption) {
     const std::string other = folder / "other";
-    add("customer info 20 --folder " + other);
+    tool("add customer info 20 --folder " + other);
     EXPECT_TRUE(std::filesystem::exists(other + "/lgbCustomer.db"));
     EXPECT_FALSE(std::filesystem::exists(folder / "lgbCustomer.db"));
     EXPECT_NE(shown("customer --folder " + other), headingsAlone);
