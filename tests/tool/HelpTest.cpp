@@ -214,8 +214,9 @@ TEST_F(Help, TellsThatAWordStandsBeforeTheCommand) {
 }
 
 TEST_F(Help, ExpectsAFolderNotAFile) {
-    EXPECT_EQ(refusal(std::string("show customer --folder ") + TQZEL_TOOL),
-              std::string("--folder: ") + TQZEL_TOOL + " is a file, expected the folder it is in");
+    const std::string file = std::string(TQZEL_SOURCE_FOLDER) + "/README.md";
+    EXPECT_EQ(refusal("show customer --folder " + file),
+              "--folder: " + file + " is a file, expected the folder it is in");
 }
 
 TEST_F(Help, NamesTheOptionThatIsMistyped) {
