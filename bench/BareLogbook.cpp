@@ -4,6 +4,7 @@
 
 #include <standalone/schema.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <stdexcept>
 
@@ -36,6 +37,12 @@ Statement& Statement::bind(int index, std::string_view text) {
     return *this;
 }
 
+Statement& Statement::bindBytes(int index, const standalone::LogbookId& bytes) {
+    const int outcome = sqlite3_bind_blob(handle, index, bytes.data(), static_cast<int>(bytes.size()), SQLITE_STATIC);
+    require(outcome == SQLITE_OK, sqlite3_db_handle(handle));
+    return *this;
+}
+
 bool Statement::step() {
     const int outcome = sqlite3_step(handle);
     require(outcome == SQLITE_ROW || outcome == SQLITE_DONE, sqlite3_db_handle(handle));
@@ -49,7 +56,7 @@ void Statement::run() {
 }
 
 std::string_view Statement::text(int column) {
-    const void* const bytes = sqlite3_column_text(handle, column);
+    const void* const bytes = sqlite3_column_blob(handle, column);
     return {static_cast<const char*>(bytes), static_cast<std::size_t>(sqlite3_column_bytes(handle, column))};
 }
 
@@ -60,6 +67,8 @@ Connection::Connection(const std::string& file, int checkpointPages) {
     execute("PRAGMA application_id");
     execute("PRAGMA user_version");
     execute("PRAGMA quick_check(1)");
+    execute(schema::selectLogbook);
+    execute(schema::selectLost);
     execute(schema::selectNumbers);
     execute("COMMIT");
     execute("PRAGMA journal_mode = WAL");
@@ -75,23 +84,47 @@ void Connection::execute(const std::string& sql) const {
 void makeFile(const std::string& file, int pageSize) {
     sqlite3* connection = nullptr;
     require(sqlite3_open(file.c_str(), &connection) == SQLITE_OK, connection);
-    const std::string sql = "PRAGMA page_size = " + std::to_string(pageSize) + ';' + schema::makeTables;
+    std::string sql = "PRAGMA page_size = " + std::to_string(pageSize) + "; BEGIN;";
+    for (const schema::Table& table : schema::tables) {
+        sql += table.sql == nullptr ? "" : table.sql + std::string(";");
+    }
+    sql += "COMMIT";
     require(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, connection);
+    {
+        constexpr standalone::LogbookId id{};
+        Statement insertLogbook(connection, schema::insertLogbook);
+        insertLogbook.bindBytes(1, id).bind(2, 0).bind(3, 0).bind(4, standalone::checksum(id, 0, 0)).run();
+    }
     sqlite3_close(connection);
 }
+
+namespace {
+
+standalone::LogbookId idIn(const Connection& connection) {
+    standalone::LogbookId id{};
+    Statement select(connection.handle, schema::selectLogbook);
+    select.step();
+    const std::string_view bytes = select.text(0);
+    std::copy(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(id.size()), id.begin());
+    return id;
+}
+
+}  // namespace
 
 BareLogbook::BareLogbook(const std::string& file, std::int64_t recordsKept, int checkpointPages)
     : capacity(recordsKept),
       connection(file, checkpointPages),
+      id(idIn(connection)),
       begin(connection.handle, "BEGIN IMMEDIATE"),
       commit(connection.handle, "COMMIT"),
       selectPage(connection.handle, schema::selectRecords(schema::onPage).c_str()),
-      selectNextNumber(connection.handle, schema::selectNextNumber),
+      selectNewest(connection.handle, schema::selectNewest),
       insertRecord(connection.handle, schema::insertRecord),
       deleteOldest(connection.handle, schema::deleteOldest),
-      selectCount(connection.handle, schema::selectCount),
-      rememberNumber(connection.handle, schema::rememberLastNumber),
-      deleteAll(connection.handle, schema::deleteAll) {}
+      selectEnds(connection.handle, schema::selectEnds),
+      updateLogbook(connection.handle, schema::updateLogbook),
+      deleteAll(connection.handle, schema::deleteAll),
+      deleteAllLost(connection.handle, schema::deleteAllLost) {}
 
 void BareLogbook::fill(std::int64_t records) {
     begin.run();
@@ -114,30 +147,32 @@ void BareLogbook::add(const std::string& json, const lgb::timestamp::Timestamp& 
 }
 
 std::int64_t BareLogbook::nextNumber() {
-    selectNextNumber.step();
-    const std::int64_t number = selectNextNumber.number(0);
-    selectNextNumber.reset();
+    selectNewest.step();
+    const std::int64_t number = std::max(selectNewest.number(0), selectNewest.number(1)) + 1;
+    selectNewest.reset();
     return number;
 }
 
 void BareLogbook::insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
     const auto& [seconds, nanoseconds, time] = timestamp;
     insertRecord.bind(1, number).bind(2, seconds).bind(3, nanoseconds).bind(4, time).bind(5, json);
-    insertRecord.bind(6, standalone::checksum({number, seconds, nanoseconds, time, json}));
+    insertRecord.bind(6, standalone::checksum({number, seconds, nanoseconds, time, json}, id));
     insertRecord.run();
 }
 
 void BareLogbook::clear() {
     begin.run();
-    rememberNumber.run();
+    const std::int64_t newest = nextNumber() - 1;
+    updateLogbook.bind(1, 0).bind(2, newest).bind(3, standalone::checksum(id, 0, newest)).run();
     deleteAll.run();
+    deleteAllLost.run();
     commit.run();
 }
 
 std::int64_t BareLogbook::count() {
-    selectCount.step();
-    const std::int64_t records = selectCount.number(0);
-    selectCount.reset();
+    selectEnds.step();
+    const std::int64_t records = selectEnds.number(1) == 0 ? 0 : selectEnds.number(1) - selectEnds.number(0) + 1;
+    selectEnds.reset();
     return records;
 }
 

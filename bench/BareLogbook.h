@@ -23,7 +23,8 @@ public:
 
     Statement& bind(int index, std::int64_t value);
     Statement& bind(int index, std::string_view text);  ///< the text must last until the next step
-    bool step();                                        ///< whether there is a row
+    Statement& bindBytes(int index, const standalone::LogbookId& bytes);
+    bool step();  ///< whether there is a row
 
     void reset() { sqlite3_reset(handle); }
 
@@ -76,7 +77,7 @@ public:
         while (selectPage.step()) {
             const standalone::NumberedRecord record{selectPage.number(0), selectPage.number(1), selectPage.number(2),
                                                     selectPage.text(3), selectPage.text(4)};
-            if (standalone::checksum(record) != selectPage.number(5)) {
+            if (standalone::checksum(record, id) != selectPage.number(5)) {
                 throw std::runtime_error("a damaged record");
             }
             row(record.json);
@@ -95,15 +96,17 @@ private:
 
     std::int64_t capacity;
     Connection connection;
+    standalone::LogbookId id;
     Statement begin;
     Statement commit;
     Statement selectPage;
-    Statement selectNextNumber;
+    Statement selectNewest;
     Statement insertRecord;
     Statement deleteOldest;
-    Statement selectCount;
-    Statement rememberNumber;
+    Statement selectEnds;
+    Statement updateLogbook;
     Statement deleteAll;
+    Statement deleteAllLost;
 };
 
 }  // namespace bench

@@ -119,7 +119,8 @@ private:
     }
 
     static bool isLogbookFile(const fs::path& file) {
-        return file.stem() == "lgbCustomer" || file.stem() == "lgbService";
+        const std::string name = file.filename();
+        return name.rfind("lgbCustomer.", 0) == 0 || name.rfind("lgbService.", 0) == 0;
     }
 
     const support::TemporaryFolder folder;

@@ -1,7 +1,8 @@
 #include <tqbase2/system/Exception.h>
 
 #include <boost/core/demangle.hpp>
-#include <boost/exception/all.hpp>
+#include <boost/exception/get_error_info.hpp>
+#include <boost/exception/info.hpp>
 
 #include <typeinfo>
 

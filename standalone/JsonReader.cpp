@@ -4,8 +4,6 @@
 
 #include <json/reader.h>
 #include <rapidjson/reader.h>
-#include <boost/algorithm/string/replace.hpp>
-#include <boost/algorithm/string/trim.hpp>
 
 #include <array>
 #include <cstddef>
@@ -31,12 +29,18 @@ std::unique_ptr<Json::CharReader> makeReader() {
     return std::unique_ptr<Json::CharReader>(builder.newCharReader());
 }
 
+void replaceAll(std::string& text, std::string_view part, std::string_view by) {
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + by.size())) {
+        text.replace(at, part.size(), by);
+    }
+}
+
 /// "* Line 1, Column 2\n  Missing '}' or object member name\n" on one line.
 std::string oneLine(std::string errors) {
-    boost::algorithm::replace_all(errors, "\n  ", ": ");
-    boost::algorithm::replace_all(errors, "\n", " ");
-    boost::algorithm::replace_all(errors, "* ", "");
-    boost::algorithm::trim(errors);
+    replaceAll(errors, "\n  ", ": ");
+    replaceAll(errors, "\n", " ");
+    replaceAll(errors, "* ", "");
+    errors.erase(errors.find_last_not_of(' ') + 1);
     return errors;
 }
 

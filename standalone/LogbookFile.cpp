@@ -1,249 +1,364 @@
 #include "LogbookFile.h"
 
+#include "NewFile.h"
 #include "Transaction.h"
-#include "errors.h"
-#include "schema.h"
+#include "WriteLock.h"
+#include "failures.h"
+#include "healing.h"
+#include "report.h"
+#include "storedRecord.h"
 
-#include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
-#include <boost/algorithm/string/replace.hpp>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <limits>
-#include <system_error>
+#include <cerrno>
+#include <memory>
+#include <optional>
 #include <thread>
+#include <utility>
 
 namespace standalone {
 
 namespace {
 
-constexpr std::chrono::milliseconds lockTimeout(5000);
+// Long enough for a transaction of somebody else's, too short to be noticed when a program ends.
+constexpr std::chrono::milliseconds closingTimeout(200);
 
-// Stand in the header of every file: "TqZL", and the version of the tables below.
-constexpr int applicationId = 0x54715a4c;
-constexpr int schemaVersion = 1;
-
-// A commit writes each page that it touches whole. Of a record as the library makes it three fit into a page.
-constexpr int pageBytes = 1024;
-
-// A record as the library makes it takes 200 to 300 bytes, and the oldest and newest pages are not full.
-constexpr std::int64_t bytesPerRecord = 400;
-
-// The log is written back into the database when it has grown by so much, and has as much again for what is added while
-// a reader holds it up.
-constexpr int checkpointBytes = 64 * 1024;
-constexpr int logBytes = 2 * checkpointBytes;
-
-/// What a file turned out to be.
-enum class Content { Nothing, Logbook };
-
-int pragma(SQLite::Database& connection, const std::string& name) {
-    return connection.execAndGet("PRAGMA " + name).getInt();
-}
-
-void checkStructure(SQLite::Database& connection) {
-    const std::string found = connection.execAndGet("PRAGMA quick_check(1)").getString();
-    if (found != "ok") {
-        throw DatabaseError("damaged: " + found.substr(found.rfind('\n') + 1));
+Connection connect(const LogbookFiles& files) {
+    try {
+        return Connection(pathForSqlite(files.database), SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW);
+    } catch (const SqliteError& exception) {
+        if (access(files.database.c_str(), R_OK | W_OK) != 0) {
+            refuse(files.database, errno);
+        }
+        refuse(files.database, exception, nullptr);
     }
 }
 
-/// Records are numbered without gaps, and behind those that were cleared.
-void checkNumbers(SQLite::Database& connection) {
-    SQLite::Statement numbers(connection, schema::selectNumbers);
-    numbers.executeStep();
-    const std::int64_t count = numbers.getColumn(0);
-    const std::int64_t first = numbers.getColumn(1);
-    const std::int64_t last = numbers.getColumn(2);
-    const std::int64_t cleared = numbers.getColumn(3);
-    if (count > 0 && last - first != count - 1) {
-        throw DatabaseError("damaged: of the records " + std::to_string(first) + " to " + std::to_string(last) +
-                            " only " + std::to_string(count) + " are there");
+/// What SQLite would follow, wait for or carry out.
+void requireUsable(const LogbookFiles& files) {
+    for (const std::string& file : {files.database, files.log, files.index}) {
+        stateOf(file);
     }
-    if (count > 0 && first <= cleared) {
-        throw DatabaseError("damaged: record " + std::to_string(first) + " is there, but all up to " +
-                            std::to_string(cleared) + " were cleared");
+    const auto journal = stateOf(files.journal);
+    if (journal && journal->bytes > 0) {
+        throw DatabaseError(Failure::Foreign, files.journal + ": stands beside a logbook, but is none of its files");
     }
 }
 
-/// Only reads, so that a file that is refused stays as it is. Within a transaction, or what it sees may be half of what
-/// another process is making.
-Content examine(SQLite::Database& connection) {
-    const int id = pragma(connection, "application_id");
-    const int version = pragma(connection, "user_version");
-    if (id == 0 && version == 0 && connection.execAndGet("SELECT count(*) FROM sqlite_master").getInt() == 0) {
-        return Content::Nothing;
+/// Others of this process may still use what has lost its name, and SQLite goes on with that.
+FileState openedState(const std::string& file) {
+    const auto state = stateOf(file);
+    if (!state) {
+        throw DatabaseError(Failure::Busy, file + ": was removed, and is still in use by this process");
     }
-    if (id != applicationId) {
-        throw DatabaseError("an SQLite database, but not a logbook");
-    }
-    if (version != schemaVersion) {
-        throw DatabaseError("written by schema " + std::to_string(version) + ", this program reads " +
-                            std::to_string(schemaVersion));
-    }
-    checkStructure(connection);
-    checkNumbers(connection);
-    return Content::Logbook;
+    return *state;
 }
 
-Content contentOf(SQLite::Database& connection) {
-    TransactionStatements statements(connection, TransactionStatements::reading);
-    const Transaction transaction(statements);
-    return examine(connection);
-}
+}  // namespace
 
-/// Somebody else may be making the same logbook at this moment: whoever gets the lock first does.
-void makeLogbook(SQLite::Database& connection) {
-    connection.exec("PRAGMA page_size = " + std::to_string(pageBytes));  // fixed once the transaction has begun
-    TransactionStatements statements(connection, TransactionStatements::writing);
-    Transaction transaction(statements);
-    if (examine(connection) == Content::Nothing) {
-        connection.exec("PRAGMA application_id = " + std::to_string(applicationId));
-        connection.exec("PRAGMA user_version = " + std::to_string(schemaVersion));
-        connection.exec(schema::makeTables);
+int LogbookFile::Patience::wait(void* patience, int times) {
+    auto& own = *static_cast<Patience*>(patience);
+    const auto now = std::chrono::steady_clock::now();
+    if (times == 0) {
+        own.end = now + own.most;
     }
-    transaction.commit();
+    if (now >= own.end) {
+        return 0;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return 1;
 }
 
-/// Lets the database file grow by no less than a full logbook needs, at once. What the disk can't give is done without.
-void setSpaceAside(SQLite::Database& connection, std::uint32_t capacity) {
-    constexpr std::int64_t block = 4096;
-    const std::int64_t blocks = (bytesPerRecord * capacity + block - 1) / block;
-    int bytes = static_cast<int>(std::min<std::int64_t>(blocks * block, std::numeric_limits<int>::max()));
-    sqlite3_file_control(connection.getHandle(), "main", SQLITE_FCNTL_CHUNK_SIZE, &bytes);
+LogbookFile::LogbookFile(const LogbookFiles& names, const WantedCapacity& wanted, const LogFindings& found)
+    : files((requireUsable(names), names)), connection(connect(files)) {
+    try {
+        begin();
+        sound = content.damaged.empty() && !found.damageOf(content);
+        if (sound) {
+            growTo(wanted);
+        }
+    } catch (const SqliteError& exception) {
+        refuse(files.database, exception, connection.handle());
+    } catch (const Fault& fault) {
+        refuse(files.database, fault);
+    }
 }
 
-/// The same for the write-ahead log, which keeps its space when the last connection is closed.
-void setLogSpaceAside(sqlite3* connection) {
+LogbookFile::~LogbookFile() {
+    if (sound && isInPlace()) {
+        empty();
+    }
+}
+
+void LogbookFile::configure() {
+    sqlite3* const handle = connection.handle();
+    sqlite3_busy_handler(handle, Patience::wait, &patience);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);  // not into what is no longer in place
     int persist = 1;
-    sqlite3_file_control(connection, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
-    sqlite3_exec(connection, "SELECT through FROM cleared", nullptr, nullptr, nullptr);  // opens the log
-    sqlite3_file* log = nullptr;
-    sqlite3_file_control(connection, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
-    if (log != nullptr && log->pMethods != nullptr) {
-        int chunk = logBytes;
-        sqlite3_int64 size = logBytes;
-        log->pMethods->xFileControl(log, SQLITE_FCNTL_CHUNK_SIZE, &chunk);
-        log->pMethods->xFileControl(log, SQLITE_FCNTL_SIZE_HINT, &size);
+    sqlite3_file_control(handle, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
+    distrust(connection);
+    connection.execute("PRAGMA synchronous = FULL");   // a commit returns when it would survive power loss
+    connection.execute("PRAGMA secure_delete = OFF");  // else pages are written only to be forgotten
+}
+
+void LogbookFile::begin() {
+    requireNotEmpty(openedState(files.database));
+    configure();
+    if (sqlite3_db_readonly(connection.handle(), "main") == 1 && access(files.database.c_str(), W_OK) != 0) {
+        refuse(files.database, errno);
+    }
+    const bool hadLog = stateOf(files.log).has_value();
+    content = examine(connection);
+    if (isWithoutLog(connection)) {
+        useLog();
+        content = examine(connection);
+    }
+    requireHeader(connection);
+    newest = content.newest;
+    pageBytes = static_cast<int>(numberFrom(connection, "PRAGMA page_size"));
+    connection.execute("PRAGMA wal_autocheckpoint = " + std::to_string(checkpointBytes / pageBytes));
+    if (!hadLog) {
+        syncFolder(files.folder);
+    }
+    setLogSpaceAside();
+    log.emplace(connection.handle());
+    databaseState = openedState(files.database);
+    logState = openedState(files.log);
+    indexState = openedState(files.index);
+    limitToSpace();
+}
+
+/// Two bytes of the header say how a file is written; a journal for changing them would be left behind by a kill.
+void LogbookFile::useLog() {
+    sqlite3_file* const file = connection.file();
+    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    for (const int lock : {SQLITE_LOCK_SHARED, SQLITE_LOCK_RESERVED, SQLITE_LOCK_EXCLUSIVE}) {
+        while (file->pMethods->xLock(file, lock) != SQLITE_OK) {
+            if (std::chrono::steady_clock::now() > deadline) {
+                file->pMethods->xUnlock(file, SQLITE_LOCK_NONE);
+                throw Fault{Failure::Busy, "database is locked"};
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+    constexpr sqlite3_int64 versionsAt = 18;
+    const bool isDone = file->pMethods->xWrite(file, "\2\2", 2, versionsAt) == SQLITE_OK &&
+                        file->pMethods->xSync(file, SQLITE_SYNC_NORMAL) == SQLITE_OK;
+    file->pMethods->xUnlock(file, SQLITE_LOCK_NONE);
+    if (!isDone) {
+        throw Fault{Failure::InputOutput, "disk I/O error"};
+    }
+    connection = connect(files);
+    configure();
+}
+
+/// What the disk can't give is done without, but for the little that a single record needs, or at first a large one.
+void LogbookFile::setLogSpaceAside() {
+    const OpenFile file(files.log, O_RDWR);
+    const FileState state = file.state();
+    if (state.allotted >= logBytes) {
+        return;
+    }
+    const std::int64_t leastBytes = newest == 0 ? checkpointBytes : 16 * 1024;
+    try {
+        if (!file.allot(logBytes, false) && state.bytes == 0) {
+            TransactionStatements statements(connection, TransactionStatements::writing);
+            const Transaction nobodyElseWrites(statements);
+            if (file.state().bytes == 0) {
+                const std::string zeros(logBytes, '\0');
+                file.write(0, zeros.data(), zeros.size());
+                file.sync();
+            }
+        }
+    } catch (const DatabaseError& error) {
+        if (error.kind() != Failure::Full || file.state().allotted < leastBytes) {
+            throw;
+        }
+        report(Level::Warning,
+               files.database + ": the disk has no space for its log; recording goes on as long as there is some");
     }
 }
 
-/// Each commit is one append to the write-ahead log. SQLite does not wait when two processes switch at once, as each
-/// would wait for the other; so this does.
-void switchToWriteAheadLog(SQLite::Database& connection) {
-    constexpr const char* sql = "PRAGMA journal_mode = WAL";
+bool LogbookFile::isInPlace() const noexcept {
+    return isDatabaseInPlace() && stillIs(files.log, logState) && stillIs(files.index, indexState);
+}
+
+void LogbookFile::limitToSpace() {
+    const auto state = stateOf(files.database);
+    if (!state || state->bytes == limitedTo) {
+        return;
+    }
+    limitedTo = state->bytes;
+    int chunk = static_cast<int>(std::min<std::int64_t>(limitedTo, std::int64_t{1} << 30));
+    sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_CHUNK_SIZE, &chunk);
+    connection.execute("PRAGMA max_page_count = " + std::to_string(limitedTo / pageBytes));
+}
+
+/// Whoever writes back may wait for writers to end, so its end is waited for outside of a transaction.
+bool LogbookFile::takeSpace(std::int64_t bytes) {
+    constexpr int writeBack = 1;  // SQLite's lock for it: others must not write to the database meanwhile
+    constexpr int lock = SQLITE_SHM_LOCK | SQLITE_SHM_EXCLUSIVE;
+    sqlite3_file* const file = connection.file();
+    TransactionStatements statements(connection, TransactionStatements::writing);
     const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
-    while (connection.tryExec(sql) == SQLITE_BUSY && std::chrono::steady_clock::now() < deadline) {
+    while (true) {
+        {
+            const Transaction nobodyElseWrites(statements);
+            if (file->pMethods->xShmLock(file, writeBack, 1, lock) == SQLITE_OK) {
+                int chunk = 4096;
+                sqlite3_int64 size = bytes;
+                file->pMethods->xFileControl(file, SQLITE_FCNTL_CHUNK_SIZE, &chunk);
+                file->pMethods->xFileControl(file, SQLITE_FCNTL_SIZE_HINT, &size);
+                file->pMethods->xShmLock(file, writeBack, 1, SQLITE_SHM_UNLOCK | SQLITE_SHM_EXCLUSIVE);
+                const std::int64_t before = std::exchange(limitedTo, 0);
+                limitToSpace();
+                return limitedTo > before;
+            }
+        }
+        if (std::chrono::steady_clock::now() > deadline) {
+            throw Fault{Failure::Busy, "database is locked"};
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    connection.exec(sql);
 }
 
-/// The file's name as a URI, without a host even if it begins with two slashes.
-std::string uriOf(std::string file) {
-    boost::algorithm::replace_all(file, "%", "%25");
-    boost::algorithm::replace_all(file, "?", "%3f");
-    boost::algorithm::replace_all(file, "#", "%23");
-    return (file.front() == '/' ? "file://" : "file:") + file;
+bool LogbookFile::grow() {
+    return takeSpace(limitedTo + std::max<std::int64_t>(std::int64_t{growthBytes}, limitedTo / 4));
 }
 
-bool exists(const std::string& file) {
-    std::error_code error;
-    const bool found = std::filesystem::exists(file, error);
-    if (error) {
-        throw DatabaseError(error.message());
+void LogbookFile::takeSpaceFor(std::int64_t capacity) {
+    if (spaceFor(capacity) > limitedTo) {
+        takeSpace(spaceFor(capacity));
+    }
+}
+
+/// The capacity is the file's; device software that wants more gets it, and nobody takes it away.
+void LogbookFile::growTo(const WantedCapacity& wanted) {
+    const auto isMore = [&](std::int64_t kept) { return kept != 0 && (wanted.records == 0 || wanted.records > kept); };
+    if (wanted.meaning == Capacity::OfNewAlone || !isMore(content.head.capacity)) {
+        return;
+    }
+    {
+        TransactionStatements statements(connection, TransactionStatements::writing);
+        Transaction transaction(statements);
+        content.head = headOf(connection);
+        if (!isMore(content.head.capacity)) {
+            return;
+        }
+        content.head.capacity = wanted.records;
+        writeHead(connection, content.head);
+        transaction.commit();
+    }
+    takeSpaceFor(wanted.records);
+}
+
+void LogbookFile::makeRoomInLog() noexcept {
+    sqlite3_wal_checkpoint_v2(connection.handle(), "main", SQLITE_CHECKPOINT_RESTART, nullptr, nullptr);
+}
+
+void LogbookFile::empty() noexcept {
+    patience.most = closingTimeout;
+    log->markWith({content.head.id, newest});
+    sqlite3_wal_checkpoint_v2(connection.handle(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+}
+
+namespace {
+
+/// A logbook that was closed needs none of it, but how it was left is not known any more.
+void tellOfMissingLog(const LogbookFiles& files) {
+    if (stateOf(files.index)) {
+        removeFile(files.index);
+        report(Level::Error,
+               files.log + ": was deleted; the newest records are gone unless the logbook had been closed");
+    } else {
+        report(Level::Warning, files.log + ": is missing; if the logbook was not closed, the newest records are gone");
+    }
+}
+
+LogFindings findingsIn(const LogbookFiles& files) {
+    if (!stateOf(files.log)) {
+        tellOfMissingLog(files);
+        return {};
+    }
+    std::optional<WriteLock> nobodyWrites;  // or what is found changes while it is read
+    if (stateOf(files.index) && access(files.database.c_str(), W_OK) == 0 && !isEmptied(files.log)) {
+        nobodyWrites.emplace(files.database);
+    }
+    LogFindings found = lookThroughLog(files.database, files.log);
+    if (found.isForeign) {
+        setLogAside(files);
+        return {};
     }
     return found;
 }
 
-bool holdsAnything(const std::string& file) {
-    if (!exists(file)) {
-        return false;
+OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted) {
+    const bool isNew = finishHealing(files) || makeIfMissing(files, wanted.records);
+    LogFindings log = isNew ? LogFindings() : findingsIn(files);
+    bool isUsable = false;
+    try {
+        auto file = std::make_unique<LogbookFile>(files, wanted, log);
+        if (file->isSound()) {
+            return {std::move(file), std::move(log.cutOff)};
+        }
+        isUsable = true;
+    } catch (const DatabaseError& damage) {
+        if (damage.kind() != Failure::Damaged) {
+            throw;
+        }
     }
-    std::ifstream content(file, std::ios::binary);
-    const int first = content.get();
-    if (!content.is_open() || content.bad()) {
-        throw DatabaseError(file + " can't be read");
+    try {
+        heal(files, wanted);
+    } catch (const DatabaseError& trouble) {
+        if (!isUsable) {
+            throw;
+        }
+        report(Level::Error,
+               std::string(trouble.what()) + "; the logbook can't be healed, and damaged records are left out");
     }
-    return first > 0;  // an emptied log starts with a zero
+    return {std::make_unique<LogbookFile>(files, wanted, LogFindings()), {}};
 }
 
-/// Does what it is to do with a file; what it throws then names the file.
-template <typename Operation>
-auto naming(const std::string& file, Operation operation) {
-    try {
-        return operation();
-    } catch (const SQLite::Exception& exception) {
-        refuse(file, exception);
-    } catch (const DatabaseError& error) {
-        refuse(file, error);
+/// On a disk that is too full for it there would be a logbook that can't be opened, or not again.
+void removeNew(const LogbookFiles& files) {
+    for (const std::string& file : {files.database, files.log, files.index}) {
+        removeFile(file);
     }
 }
 
 }  // namespace
 
-void refuse(const std::string& file, const std::exception& reason) {
-    throw DatabaseError(file + ": " + reason.what());
-}
-
-SQLite::Database openLogbook(const std::string& file, std::uint32_t capacity) {
-    return naming(file, [&] {
-        SQLite::Database connection(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
-                                    static_cast<int>(lockTimeout.count()));
-        setSpaceAside(connection, capacity);
-        if (contentOf(connection) == Content::Nothing) {
-            makeLogbook(connection);
+OpenedLogbook openLogbook(const LogbookFiles& files, const WantedCapacity& wanted) {
+    makeFolder(files.folder);
+    const NamesLock lock(files);
+    const bool isNew = !stateOf(files.database) && !stateOf(files.healed);
+    const auto open = [&] {
+        if (isNew) {
+            lock.setSpaceAside();
         }
-        switchToWriteAheadLog(connection);
-        connection.exec("PRAGMA synchronous = FULL");   // a commit returns when it would survive power loss
-        connection.exec("PRAGMA secure_delete = OFF");  // else pages are written only to be forgotten
-        connection.exec("PRAGMA wal_autocheckpoint = " +
-                        std::to_string(checkpointBytes / pragma(connection, "page_size")));
-        setLogSpaceAside(connection.getHandle());
-        return connection;
-    });
-}
-
-// The index of the write-ahead log lies beside a logbook in use, and stays when it is closed; only read, it shows what
-// the log holds. Without it the file is a copy, to be taken as it is.
-SQLite::Database connectForReading(const std::string& file) {
-    return naming(file, [&] {
-        if (!exists(file)) {
-            throw DatabaseError("there is no such logbook");
+        OpenedLogbook opened = openLocked(files, wanted);
+        lock.trySetSpaceAside();
+        return opened;
+    };
+    try {
+        return open();
+    } catch (const DatabaseError& error) {
+        if (error.kind() != Failure::Full) {
+            throw;
         }
-        const bool inUse = exists(file + "-shm");
-        if (!inUse && holdsAnything(file + "-wal")) {
-            throw DatabaseError("its newest records are in " + file + "-wal, which can't be read without " + file +
-                                "-shm");
+        const bool hadSpace = lock.giveSpaceBack();
+        if (isNew) {
+            removeNew(files);
         }
-        return SQLite::Database(uriOf(file) + (inUse ? "?readonly_shm=1" : "?immutable=1"),
-                                SQLite::OPEN_READONLY | SQLite::OPEN_URI, static_cast<int>(lockTimeout.count()));
-    });
-}
-
-SQLite::Database openForReading(const std::string& file) {
-    SQLite::Database connection = connectForReading(file);
-    naming(file, [&] {
-        if (contentOf(connection) == Content::Nothing) {
-            throw DatabaseError("an empty database, not a logbook");
+        if (isNew || !hadSpace) {
+            throw;
         }
-    });
-    return connection;
-}
-
-void emptyWriteAheadLog(SQLite::Database& connection) noexcept {
-    if (sqlite3_wal_checkpoint_v2(connection.getHandle(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr) ==
-        SQLITE_OK) {
-        setLogSpaceAside(connection.getHandle());
     }
-}
-
-void checkpoint(SQLite::Database& connection) noexcept {
-    sqlite3_wal_checkpoint_v2(connection.getHandle(), "main", SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+    return open();
 }
 
 }  // namespace standalone

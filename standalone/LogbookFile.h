@@ -1,35 +1,111 @@
 #pragma once
 
-#include <SQLiteCpp/Database.h>
+#include "Connection.h"
+#include "KeptLog.h"
+#include "LogFindings.h"
+#include "LogbookFiles.h"
+#include "WantedCapacity.h"
+#include "examine.h"
 
+#include <chrono>
 #include <cstdint>
-#include <string>
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace standalone {
 
-/// A connection to the SQLite file of one logbook, made when missing, ready for use: its format checked, each commit
-/// safe from power loss, and the space of a full logbook set aside, so that recording goes on when the disk is full.
-/// @param capacity records that space is set aside for; 0: none
-/// @throws DatabaseError naming the file, which is then left as it is
-SQLite::Database openLogbook(const std::string& file, std::uint32_t capacity);
+/// The file of one logbook, open for writing: examined, each commit safe from power loss, and the space of a full
+/// logbook set aside. Whoever opens one holds the lock of its names.
+class LogbookFile {
+public:
+    /// @param found in its log
+    /// @throws DatabaseError naming the file, which is then left as it is
+    LogbookFile(const LogbookFiles& names, const WantedCapacity& wanted, const LogFindings& found);
+    LogbookFile(const LogbookFile&) = delete;
+    LogbookFile& operator=(const LogbookFile&) = delete;
 
-/// A connection that reads a file, whatever it holds, and neither changes nor makes any file.
-/// @throws DatabaseError naming the file, also when there is none
-SQLite::Database connectForReading(const std::string& file);
+    /// Leaves the log empty, but its space set aside, unless others use it: what is left in a log would pass for newer
+    /// than the database when it is opened again. What is damaged stays as it is, to be healed from.
+    ~LogbookFile();
 
-/// The same for the file of a logbook.
-/// @throws DatabaseError naming the file, also when it is damaged or no logbook
-SQLite::Database openForReading(const std::string& file);
+    Connection& database() { return connection; }
 
-/// Leaves the write-ahead log empty, but its space set aside. What is left in a log would pass for newer than the
-/// database when it is opened again; damage to it could take events back. Others who use the file are waited for up to
-/// 5 s; when they go on using it, what could be written back is in the database, and the log stays.
-void emptyWriteAheadLog(SQLite::Database& connection) noexcept;
+    const LogbookId& id() const { return content.head.id; }
 
-/// Writes as much of the log into the database as its readers allow, which makes room in the log.
-void checkpoint(SQLite::Database& connection) noexcept;
+    const Examination& examination() const { return content; }
 
-/// "file: reason" as a DatabaseError.
-[[noreturn]] void refuse(const std::string& file, const std::exception& reason);
+    /// Whether nothing in it is damaged.
+    bool isSound() const { return sound; }
+
+    /// Damage was met in use: nothing is to be written over what it may be healed from.
+    void noteDamage() { sound = false; }
+
+    /// Whether the folder's names still stand for what is open.
+    bool isInPlace() const noexcept;
+
+    /// Whether at least the database is where it was.
+    bool isDatabaseInPlace() const noexcept { return stillIs(files.database, databaseState); }
+
+    /// Lets no commit need more than the disk keeps for the database, so that it can be written back on a full disk.
+    void limitToSpace();
+
+    /// By how much it grows at least when it needs more space than was set aside.
+    static constexpr std::size_t growthBytes = 64 * 1024;
+
+    /// Has the disk keep more for the database. Not within a transaction.
+    /// @return whether it does
+    /// @throws Fault, when others write back all the time
+    bool grow();
+
+    /// Has the disk keep what so many usual records need, as far as it can. Not within a transaction.
+    void takeSpaceFor(std::int64_t capacity);
+
+    /// Writes as much of the log back as its readers allow, who are waited for, which makes room in the log.
+    void makeRoomInLog() noexcept;
+
+    /// The newest number given out, as far as this object knows: what an emptied log is marked with.
+    void noteNewest(std::int64_t number) { newest = number; }
+
+private:
+    /// How long SQLite is to wait for a lock, in short steps: long ones starve beside somebody who adds without pause.
+    struct Patience {
+        std::chrono::milliseconds most = lockTimeout;
+        std::chrono::steady_clock::time_point end;
+
+        static int wait(void* patience, int times);
+    };
+
+    void configure();
+    void begin();
+    void useLog();
+    void setLogSpaceAside();
+    bool takeSpace(std::int64_t bytes);
+    void growTo(const WantedCapacity& wanted);
+    void empty() noexcept;
+
+    LogbookFiles files;
+    Patience patience;
+    std::optional<KeptLog> log;  // outlives the connection
+    Connection connection;
+    Examination content;
+    bool sound = true;
+    FileState databaseState;
+    FileState logState;
+    FileState indexState;
+    std::int64_t newest = 0;
+    std::int64_t limitedTo = 0;  // bytes
+    int pageBytes = 0;
+};
+
+/// A logbook that was opened.
+struct OpenedLogbook {
+    std::unique_ptr<LogbookFile> file;
+    std::vector<FoundRecord> cutOff;  ///< what its log held of a transaction whose end is missing
+};
+
+/// Opens a logbook; makes it when there is none, and heals it when it is damaged.
+/// @throws DatabaseError naming the file
+OpenedLogbook openLogbook(const LogbookFiles& files, const WantedCapacity& wanted);
 
 }  // namespace standalone

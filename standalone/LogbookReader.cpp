@@ -1,12 +1,10 @@
 #include "LogbookReader.h"
 
-#include "LogbookFile.h"
+#include "Connection.h"
+#include "SetAside.h"
+#include "reading.h"
 #include "schema.h"
 #include "storedRecord.h"
-
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Statement.h>
 
 #include <string>
 #include <utility>
@@ -21,79 +19,86 @@ constexpr int secondsBeforeColumn = 6;
 
 }  // namespace
 
-struct LogbookReader::Connection {
-    explicit Connection(std::string path)
-        : file(std::move(path)),
-          database(openForReading(file)),
-          recordsBefore(database, schema::selectRecords("number < ? ORDER BY number DESC LIMIT ?", secondsBefore)),
-          recordsAfter(database, schema::selectRecords("number > ? ORDER BY number LIMIT ?", secondsBefore)) {}
+struct LogbookReader::File {
+    explicit File(const std::string& path) : reader(path) {
+        reader.read([](ReadingConnection& connection) { connection.examination(); });
+    }
 
-    std::vector<StoredRecord> read(Statement& statement, std::int64_t number, unsigned int count) const {
-        try {
-            const Use use(statement);
+    std::vector<StoredRecord> read(const std::string& sql, std::int64_t number, unsigned int count) {
+        std::vector<StoredRecord> records;
+        reader.read([&](ReadingConnection& connection) {
+            records.clear();
+            const LogbookId& id = connection.examination().head.id;
+            Statement statement(connection.database(), sql);
             statement.bind(1, number);
             statement.bind(2, std::int64_t{count});
-            std::vector<StoredRecord> records;
             while (statement.step()) {
-                records.push_back(storedRecord(statement));
+                records.push_back(storedRecord(statement, id));
                 if (!statement.isNull(secondsBeforeColumn)) {
                     records.back().secondsBefore = statement.number(secondsBeforeColumn);
                 }
             }
-            return records;
-        } catch (const SQLite::Exception& exception) {
-            refuse(file, exception);
-        }
+        });
+        return records;
     }
 
-    std::string file;
-    SQLite::Database database;
-    Statement recordsBefore;
-    Statement recordsAfter;
+    PatientReader reader;
 };
 
-LogbookReader::LogbookReader(const std::filesystem::path& path) {
-    try {
-        connection = std::make_unique<Connection>(path.string());
-    } catch (const SQLite::Exception& exception) {
-        refuse(path.string(), exception);
-    }
-}
+LogbookReader::LogbookReader(const std::filesystem::path& path) : file(std::make_unique<File>(path.string())) {}
 
 LogbookReader::~LogbookReader() = default;
 
 std::vector<StoredRecord> LogbookReader::before(std::int64_t number, unsigned int count) {
-    return connection->read(connection->recordsBefore, number, count);
+    static const std::string sql = schema::selectRecords("number < ? ORDER BY number DESC LIMIT ?", secondsBefore);
+    return file->read(sql, number, count);
 }
 
 std::vector<StoredRecord> LogbookReader::after(std::int64_t number, unsigned int count) {
-    return connection->read(connection->recordsAfter, number, count);
+    static const std::string sql = schema::selectRecords("number > ? ORDER BY number LIMIT ?", secondsBefore);
+    return file->read(sql, number, count);
 }
 
 std::int64_t LogbookReader::count() {
-    try {
-        return connection->database.execAndGet("SELECT count(*) FROM record").getInt64();
-    } catch (const SQLite::Exception& exception) {
-        refuse(connection->file, exception);
-    }
+    std::int64_t records = 0;
+    file->reader.read([&](ReadingConnection& connection) {
+        records = numberFrom(connection.database(), "SELECT count(*) FROM record");
+    });
+    return records;
+}
+
+LogbookDescription LogbookReader::description() {
+    LogbookDescription description{};
+    file->reader.read([&](ReadingConnection& connection) {
+        const LogbookHead head = headOf(connection.database());
+        description = {"", static_cast<std::uint32_t>(head.capacity), head.cleared,
+                       lostOf(connection.database()).all()};
+        for (const unsigned char byte : head.id) {
+            constexpr const char* digits = "0123456789abcdef";
+            description.id += {digits[byte >> 4], digits[byte & 15]};
+        }
+    });
+    return description;
 }
 
 std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
-    const std::string file = path.string();
-    SQLite::Database connection = connectForReading(file);
-    try {
-        std::vector<std::string> damage;
-        SQLite::Statement check(connection, "PRAGMA integrity_check");
-        while (check.executeStep()) {
-            const std::string line = check.getColumn(0);
+    std::vector<std::string> damage;
+    PatientReader(path.string()).read([&](ReadingConnection& connection) {
+        damage.clear();
+        Statement check(connection.database(), "PRAGMA integrity_check");
+        while (check.step()) {
+            const std::string line = check.text(0);
             if (line != "ok") {
                 damage.push_back(line);
             }
         }
-        return damage;
-    } catch (const SQLite::Exception& exception) {
-        refuse(file, exception);
-    }
+    });
+    return damage;
+}
+
+std::vector<std::filesystem::path> filesSetAside(const std::filesystem::path& logbook) {
+    const std::vector<std::string> databases = SetAside(LogbookFiles(logbook.string())).all();
+    return {databases.begin(), databases.end()};
 }
 
 }  // namespace standalone

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LostRange.h"
 #include "export.h"
 
 #include <lgb/IDatabase.h>
@@ -21,10 +22,17 @@ struct StoredRecord {
     std::optional<std::int64_t> secondsBefore;  ///< when the record before it was made, if that one is still kept
 };
 
+/// What the file of a logbook says of itself.
+struct LogbookDescription {
+    std::string id;               ///< what tells it from all others, 32 hexadecimal digits
+    std::uint32_t capacity;       ///< in records; 0: unlimited
+    std::int64_t cleared;         ///< the last number given out before everything was removed; 0: nothing ever was
+    std::vector<LostRange> lost;  ///< oldest first; the numbers of records have no other gaps
+};
+
 /// Reads the file of a logbook as it lies there, for tools. Changes and makes no file: a logbook in use by others is
-/// read as well as a copy on a medium that can't be written. What others add meanwhile is seen by the next call, unless
-/// there was no index of the write-ahead log (-shm) beside the file when it was opened: then it is taken for a copy
-/// that nobody changes. For one thread.
+/// read as well as a copy on a medium that can't be written. What others add meanwhile is seen by the next call, and a
+/// logbook that takes the place of this one as well. For one thread.
 class TQZEL_STANDALONE_EXPORT LogbookReader {
 public:
     /// @param path of the file
@@ -44,14 +52,19 @@ public:
     /// How many records the file holds, those that are not intact included.
     std::int64_t count();
 
+    LogbookDescription description();
+
 private:
-    struct Connection;
-    std::unique_ptr<Connection> connection;
+    struct File;
+    std::unique_ptr<File> file;
 };
 
 /// What is wrong with the structure of a file, thoroughly checked, each index and page of it; empty when it is sound.
 /// Changes and makes no file. Whether it holds a logbook or another SQLite database makes no difference.
 /// @throws DatabaseError, naming the file and the reason, when there is none or it can't be read as a database at all
 TQZEL_STANDALONE_EXPORT std::vector<std::string> structuralDamage(const std::filesystem::path& file);
+
+/// The damaged files of a logbook that were set aside when it was healed, oldest first.
+TQZEL_STANDALONE_EXPORT std::vector<std::filesystem::path> filesSetAside(const std::filesystem::path& logbook);
 
 }  // namespace standalone

@@ -1,16 +1,17 @@
 #include "SqliteDatabase.h"
 
-#include "LogbookFile.h"
-#include "checksum.h"
+#include "failures.h"
+#include "reading.h"
+#include "report.h"
 #include "schema.h"
 #include "storedRecord.h"
 
-#include <tqbase2/system/log/detail.h>
-
-#include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <chrono>
+#include <numeric>
+#include <optional>
 #include <utility>
 
 namespace lgb {
@@ -26,150 +27,458 @@ namespace {
 // Room that is made at once for a page; a longer one grows.
 constexpr unsigned int usualPage = 100;
 
-void logDamage(const std::string& file, std::int64_t number) {
-    constexpr unsigned int error = 4;
-    constexpr const char* channel = "libTqZelPlatform";
-    if (tqbase2::system::log::detail::isEnabled(error, channel)) {
-        tqbase2::system::log::detail::log(error, channel,
-                                          file + ": record " + std::to_string(number) + " is damaged and left out");
-    }
+// As many as a log may hold that was deleted before it was written back.
+constexpr std::int64_t mostToSave = 4096;
+
+// How many of the oldest make room at first, where a disk is full: those of a page or two.
+constexpr std::int64_t firstToMakeRoom = 4;
+
+/// Thrown where the file turns out to be no longer the one in the folder; nothing was done.
+struct HasMoved {};
+
+NumberedRecord numbered(std::int64_t number, const lgb::timestamp::Timestamp& timestamp, const std::string& json) {
+    return {number, timestamp.seconds, timestamp.nanoseconds, timestamp.text, json};
 }
+
+NumberedRecord numbered(std::int64_t number, const FoundRecord& record) {
+    return {number, record.seconds, record.nanoseconds, record.time, record.json};
+}
+
+/// Ascending numbers for a line in the log: those that follow one another in one.
+class Ranges {
+public:
+    void add(std::int64_t first, std::int64_t last) {
+        if (!all.empty() && all.back().second + 1 == first) {
+            all.back().second = last;
+        } else {
+            all.emplace_back(first, last);
+        }
+    }
+
+    std::string text() const {
+        std::string text;
+        for (const auto& [first, last] : all) {
+            text += (text.empty() ? "" : ", ") + std::to_string(first);
+            text += first == last ? "" : " to " + std::to_string(last);
+        }
+        return text;
+    }
+
+private:
+    std::vector<std::pair<std::int64_t, std::int64_t>> all;
+};
 
 }  // namespace
 
-template <typename Operation>
-auto SqliteDatabase::guarded(Operation operation) {
+/// A file that is open, and what is asked of it, prepared once.
+struct SqliteDatabase::Session {
+    explicit Session(std::unique_ptr<LogbookFile> opened) : Session(opened->database(), opened->examination()) {
+        file = std::move(opened);
+    }
+
+    Session(std::unique_ptr<ReadingConnection> opened, const Examination& found) : Session(opened->database(), found) {
+        reading = std::move(opened);
+    }
+
+    Session(Connection& database, const Examination& found)
+        : connection(database),
+          id(found.head.id),
+          lost(found.lost),
+          transactions(connection, TransactionStatements::writing),
+          selectPage(connection, schema::selectRecords(schema::onPage)),
+          selectNewest(connection, schema::selectNewest),
+          insertRecord(connection, schema::insertRecord),
+          deleteOldest(connection, schema::deleteOldest),
+          selectEnds(connection, schema::selectEnds) {}
+
+    bool isInPlace() const noexcept { return file ? file->isInPlace() : reading->isStillRight(); }
+
+    Numbers numbers() {
+        const Use use(selectNewest);
+        selectNewest.step();
+        const std::int64_t known = selectNewest.number(selectNewest.isNull(0) ? 1 : 0);
+        return {lost.newest(known), selectNewest.number(2)};
+    }
+
+    std::int64_t stored() {
+        const Use use(selectEnds);
+        selectEnds.step();
+        return selectEnds.isNull(0) ? 0 : lost.recordsBetween(selectEnds.number(0), selectEnds.number(1));
+    }
+
+    /// How many numbers to skip for so many records.
+    std::int64_t skip(unsigned int records) {
+        if (lost.all().empty()) {
+            return records;
+        }
+        const Use use(selectEnds);
+        selectEnds.step();
+        const std::int64_t newest = selectEnds.number(1);
+        return newest - lost.before(newest, records);
+    }
+
+    void insert(const NumberedRecord& record) { standalone::insert(insertRecord, record, id); }
+
+    /// Drops what is older than the newest so many.
+    void keep(std::int64_t records, std::int64_t newest, const LostRanges& gaps) {
+        const std::int64_t oldest = gaps.before(newest, records - 1);
+        if (oldest <= 1) {
+            return;
+        }
+        deleteOldest.bind(1, oldest - 1);
+        deleteOldest.run();
+        if (!gaps.all().empty() && gaps.all().front().last < oldest) {
+            Statement deleteLost(connection, schema::deleteOldestLost);
+            deleteLost.bind(1, oldest);
+            deleteLost.run();
+        }
+    }
+
+    /// Drops so many of the oldest.
+    void giveWay(std::int64_t records, std::int64_t newest) {
+        if (records > 0) {
+            keep(std::max<std::int64_t>(stored() - records, 0), newest, lost);
+        }
+    }
+
+    void keepCapacity(std::int64_t newest, std::int64_t capacity, const LostRanges& gaps) {
+        if (capacity > 0) {
+            keep(capacity, newest, gaps);
+        }
+    }
+
+    void lose(std::int64_t first, std::int64_t last) {
+        const auto now = std::chrono::system_clock::now().time_since_epoch();
+        Statement insertLost(connection, schema::insertLost);
+        insertLost.bind(1, first);
+        insertLost.bind(2, last);
+        insertLost.bind(3, std::chrono::duration_cast<std::chrono::seconds>(now).count());
+        insertLost.run();
+    }
+
+    std::vector<FoundRecord> newestRecords() {
+        std::vector<FoundRecord> found;
+        const Use use(selectPage);
+        selectPage.bind(1, std::int64_t{0});
+        selectPage.bind(2, mostToSave);
+        while (selectPage.step()) {
+            StoredRecord record = storedRecord(selectPage, id);
+            if (record.intact) {
+                auto& [seconds, nanoseconds, time] = record.content.timestamp;
+                found.push_back({record.number, seconds, nanoseconds, std::move(time), std::move(record.content.json)});
+            }
+        }
+        std::reverse(found.begin(), found.end());
+        return found;
+    }
+
+    bool holds(const FoundRecord& record) {
+        Statement select(connection, schema::selectRecords("number = ?"));
+        select.bind(1, record.number);
+        return select.step() && select.number(5) == checksum(numbered(record.number, record), id);
+    }
+
+    std::unique_ptr<LogbookFile> file;           // null: it can only be read
+    std::unique_ptr<ReadingConnection> reading;  // then
+    Connection& connection;
+    LogbookId id;
+    LostRanges lost;
+    TransactionStatements transactions;
+    Statement selectPage;
+    Statement selectNewest;
+    Statement insertRecord;
+    Statement deleteOldest;
+    Statement selectEnds;
+};
+
+/// Sees to it that what the operation works on is open, and in place.
+void SqliteDatabase::guarded(Access access, const std::function<void()>& operation) {
+    constexpr int mostTries = 5;
     const std::lock_guard lock(mutex);
-    try {
-        return operation();
-    } catch (const SQLite::Exception& exception) {
-        refuse(file, exception);
+    for (int tries = 1;; ++tries) {
+        try {
+            makeReady(access);
+            operation();
+            return;
+        } catch (const SqliteError& exception) {
+            sqlite3* const handle = session ? session->connection.handle() : nullptr;
+            if (tries > 1 || failureOf(exception, handle) != Failure::Damaged) {
+                refuse(files.database, exception, handle);
+            }
+            leaveDamaged();
+        } catch (const Fault& fault) {
+            if (tries > 1) {
+                refuse(files.database, fault);
+            }
+            leaveDamaged();
+        } catch (const HasMoved&) {
+            if (tries == mostTries) {
+                throw DatabaseError(Failure::Busy, files.database + ": is replaced again and again");
+            }
+        }
     }
 }
 
-Statement SqliteDatabase::prepare(const std::string& sql) {
-    return guarded([&] { return Statement(connection, sql); });
+SqliteDatabase::SqliteDatabase(const std::string& path, const WantedCapacity& capacity)
+    : files(path), wanted(capacity) {
+    guarded(Access::Reading, [] {});
 }
-
-SqliteDatabase::SqliteDatabase(const std::string& path, std::uint32_t recordsKept)
-    : file(path),
-      capacity(recordsKept),
-      connection(openLogbook(path, recordsKept)),
-      transactions(guarded([this] { return TransactionStatements(connection, TransactionStatements::writing); })),
-      selectPage(prepare(schema::selectRecords(schema::onPage))),
-      selectNextNumber(prepare(schema::selectNextNumber)),
-      insertRecord(prepare(schema::insertRecord)),
-      deleteOldest(prepare(schema::deleteOldest)),
-      selectCount(prepare(schema::selectCount)) {}
 
 SqliteDatabase::~SqliteDatabase() {
-    if (written) {
-        emptyWriteAheadLog(connection);
+    if (session && session->file) {
+        try {
+            session->file->noteNewest(session->numbers().newest);
+        } catch (const std::exception&) {
+            return;  // what can't be read is not written back either
+        }
     }
 }
 
-template <typename Change>
-void SqliteDatabase::commit(Change change) {
-    guarded([&] {
-        const auto attempt = [&] {
-            Transaction transaction(transactions);
-            change();
-            transaction.commit();
-            written = true;
-        };
+/// Sees to it that what is in the folder now is open.
+void SqliteDatabase::makeReady(Access access) {
+    const bool canOnlyRead = session && !session->file;
+    const bool isWriting = access == Access::Writing;  // looks for itself, under the lock
+    if (session && (isWriting ? canOnlyRead : !session->isInPlace())) {
+        leave(canOnlyRead);
+    }
+    if (!session) {
+        open(access);
+    }
+}
+
+/// Opening anew heals it.
+void SqliteDatabase::leaveDamaged() {
+    if (session && session->file) {
+        session->file->noteDamage();
+    }
+    session.reset();
+}
+
+/// Closes what is no longer in place, and keeps what only it may have.
+void SqliteDatabase::leave(bool silently) {
+    if (!silently) {
+        const bool isDatabase = session->file->isDatabaseInPlace();
+        report(Level::Error, files.database +
+                                 (isDatabase ? ": its log was deleted or replaced while in use"
+                                             : ": was deleted or replaced while in use") +
+                                 "; recording goes on in what is there now");
         try {
-            attempt();
-        } catch (const SQLite::Exception& exception) {
-            if (exception.getErrorCode() != SQLITE_FULL) {
-                throw;
-            }
-            checkpoint(connection);
-            attempt();
+            leftRecords = session->newestRecords();
+            leftId = session->id;
+        } catch (const std::exception&) {
+            leftRecords.clear();  // as gone as the file
         }
+    }
+    session.reset();
+}
+
+void SqliteDatabase::open(Access access) {
+    try {
+        OpenedLogbook opened = openLogbook(files, wanted);
+        session = std::make_unique<Session>(std::move(opened.file));
+        settle(opened.cutOff);
+    } catch (const DatabaseError& refusal) {
+        if (access == Access::Writing || refusal.kind() != Failure::ReadOnly || !stateOf(files.database)) {
+            throw;
+        }
+        openForReading();
+    }
+}
+
+/// On a medium that can't be written.
+void SqliteDatabase::openForReading() {
+    auto connection = std::make_unique<ReadingConnection>(files);
+    try {
+        const Examination found = connection->examination();
+        session = std::make_unique<Session>(std::move(connection), found);
+    } catch (const Fault& fault) {
+        refuse(files.database, fault);
+    }
+}
+
+/// Puts back what was cut off in a log, or what a file that was left holds of the newest records and the file does not.
+void SqliteDatabase::settle(const std::vector<FoundRecord>& cutOff) {
+    std::vector<FoundRecord> records = std::exchange(leftRecords, {});
+    if (leftId != session->id) {
+        records.clear();
+    }
+    const std::int64_t newest = session->numbers().newest;
+    const auto isNew = [&](const FoundRecord& record) { return record.number > newest; };
+    if (std::count_if(cutOff.begin(), cutOff.end(), isNew) == 1) {
+        std::copy_if(cutOff.begin(), cutOff.end(), std::back_inserter(records), isNew);
+    }
+    if (records.empty()) {
+        return;
+    }
+    Transaction transaction(session->transactions);
+    auto [last, capacity] = session->numbers();
+    Ranges putBack;
+    Ranges lost;
+    for (const FoundRecord& record : records) {
+        if (session->holds(record)) {
+            continue;
+        }
+        const std::int64_t number = std::max(record.number, last + 1);
+        if (number > last + 1) {
+            session->lose(last + 1, number - 1);
+            lost.add(last + 1, number - 1);
+        }
+        session->insert(numbered(number, record));
+        putBack.add(number, number);
+        last = number;
+    }
+    const LostRanges lostNow = lostOf(session->connection);
+    session->keepCapacity(last, capacity, lostNow);
+    transaction.commit();
+    session->lost = lostNow;
+    const std::string line = (putBack.text().empty() ? "" : "; put back: " + putBack.text()) +
+                             (lost.text().empty() ? "" : "; lost: " + lost.text());
+    if (!line.empty()) {
+        report(Level::Error, files.database + ": " + line.substr(2));
+    }
+}
+
+/// A file may have lost its name just when it was written to.
+void SqliteDatabase::followTo(Whose whose) {
+    if (session->isInPlace()) {
+        return;
+    }
+    const LogbookId before = session->id;
+    leave(false);
+    open(Access::Writing);  // puts back what was just added, if it is the same logbook
+    if (whose == Whose::OfAnyLogbook && session->id != before) {
+        throw HasMoved();
+    }
+}
+
+/// Makes a change in one transaction; where there is no space for it, again and again with more room.
+/// @param bytes of what is added
+void SqliteDatabase::commit(Whose whose, std::size_t bytes, const Change& change) {
+    guarded(Access::Writing, [&] {
+        Room room{false, 2 * (1 + bytes / LogbookFile::growthBytes), 0};
+        while (true) {
+            try {
+                Transaction transaction(session->transactions);
+                if (!session->file->isInPlace()) {
+                    break;
+                }
+                session->file->limitToSpace();
+                const Numbers numbers = session->numbers();
+                session->giveWay(room.records, numbers.newest);
+                change(numbers);
+                transaction.commit();
+                if (room.records > 0) {
+                    tellOfFullDisk();
+                }
+                followTo(whose);
+                return;
+            } catch (const SqliteError& exception) {
+                const bool isFull = failureOf(exception, session->connection.handle()) == Failure::Full;
+                if (!isFull || room.records > session->stored()) {
+                    throw;
+                }
+                makeMore(room);
+            }
+        }
+        leave(false);
+        throw HasMoved();
     });
+}
+
+/// In the log, as far as its readers allow, then in the database, as far as the disk allows, at last by the oldest.
+void SqliteDatabase::makeMore(Room& room) {
+    if (!std::exchange(room.madeInLog, true)) {
+        session->file->makeRoomInLog();
+    } else if (room.records == 0 && room.growthsLeft > 0 && session->file->grow()) {
+        --room.growthsLeft;
+    } else {
+        room.records = std::max(2 * room.records, firstToMakeRoom);
+    }
+}
+
+void SqliteDatabase::tellOfFullDisk() {
+    if (!std::exchange(toldOfFullDisk, true)) {
+        report(Level::Warning, files.database + ": the disk is full; the oldest records make room for the newest");
+    }
 }
 
 std::vector<lgb::DatabaseRecord> SqliteDatabase::fetch(unsigned int offset, unsigned int count) {
-    return guarded([&] {
-        const Use use(selectPage);
-        selectPage.bind(1, std::int64_t{offset});
-        selectPage.bind(2, std::int64_t{count});
-        std::vector<lgb::DatabaseRecord> page;
-        page.reserve(std::min(count, usualPage));
-        while (selectPage.step()) {
-            StoredRecord record = storedRecord(selectPage);
+    bool heals = true;
+    std::vector<lgb::DatabaseRecord> page;
+    page.reserve(std::min(count, usualPage));
+    guarded(Access::Reading, [&] {
+        page.clear();
+        const std::int64_t skipped = session->skip(offset);
+        Statement& select = session->selectPage;
+        const Use use(select);
+        select.bind(1, skipped);
+        select.bind(2, std::int64_t{count});
+        while (select.step()) {
+            StoredRecord record = storedRecord(select, session->id);
             if (record.intact) {
                 page.push_back(std::move(record.content));
+            } else if (session->file && std::exchange(heals, false)) {
+                throw Fault{Failure::Damaged, "damaged: record " + std::to_string(record.number)};
             } else {
-                logDamage(file, record.number);
+                report(Level::Error,
+                       files.database + ": record " + std::to_string(record.number) + " is damaged and left out");
             }
         }
-        return page;
     });
+    return page;
 }
 
 void SqliteDatabase::add(const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
-    commit([&] {
-        const std::int64_t number = nextNumber();
-        insert(number, json, timestamp);
-        keepUpTo(number);
+    commit(Whose::OfAnyLogbook, json.size() + timestamp.text.size(), [&](const Numbers& numbers) {
+        const std::int64_t number = numbers.newest + 1;
+        session->insert(numbered(number, timestamp, json));
+        session->keepCapacity(number, numbers.capacity, session->lost);
     });
 }
 
 std::int64_t SqliteDatabase::addAll(const std::vector<lgb::DatabaseRecord>& records) {
+    const std::size_t bytes = std::accumulate(records.begin(), records.end(), std::size_t{0},
+                                              [](std::size_t sum, const lgb::DatabaseRecord& record) {
+                                                  return sum + record.json.size() + record.timestamp.text.size();
+                                              });
     std::int64_t dropped = 0;
-    commit([&] {
-        const std::int64_t before = stored();
-        std::int64_t number = nextNumber() - 1;
+    commit(Whose::OfAnyLogbook, bytes, [&](const Numbers& numbers) {
+        const std::int64_t before = session->stored();
+        std::int64_t number = numbers.newest;
         for (const lgb::DatabaseRecord& record : records) {
-            insert(++number, record.json, record.timestamp);
+            session->insert(numbered(++number, record.timestamp, record.json));
         }
-        const std::int64_t all = stored();
-        keepUpTo(number);
-        dropped = std::min(before, all - stored());
+        const std::int64_t all = session->stored();
+        session->keepCapacity(number, numbers.capacity, session->lost);
+        dropped = std::min(before, all - session->stored());
     });
     return dropped;
 }
 
-std::int64_t SqliteDatabase::nextNumber() {
-    const Use use(selectNextNumber);
-    selectNextNumber.step();
-    return selectNextNumber.number(0);
-}
-
-std::int64_t SqliteDatabase::stored() {
-    const Use use(selectCount);
-    selectCount.step();
-    return selectCount.number(0);
-}
-
-void SqliteDatabase::insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp) {
-    const auto& [seconds, nanoseconds, time] = timestamp;
-    insertRecord.bind(1, number);
-    insertRecord.bind(2, seconds);
-    insertRecord.bind(3, nanoseconds);
-    insertRecord.bind(4, time);
-    insertRecord.bind(5, json);
-    insertRecord.bind(6, std::int64_t{checksum({number, seconds, nanoseconds, time, json})});
-    insertRecord.run();
-}
-
-void SqliteDatabase::keepUpTo(std::int64_t number) {
-    if (capacity > 0 && number > capacity) {
-        deleteOldest.bind(1, number - capacity);
-        deleteOldest.run();
-    }
-}
-
 void SqliteDatabase::clear() {
-    commit([&] {
-        connection.exec(schema::rememberLastNumber);
-        connection.exec(schema::deleteAll);
+    commit(Whose::OfThisLogbook, 0, [&](const Numbers& numbers) {
+        writeHead(session->connection, {session->id, numbers.capacity, numbers.newest});
+        session->connection.execute(schema::deleteAll);
+        session->connection.execute(schema::deleteAllLost);
     });
 }
 
 unsigned int SqliteDatabase::count() {
-    return guarded([&] { return static_cast<unsigned int>(stored()); });
+    std::int64_t records = 0;
+    guarded(Access::Reading, [&] { records = session->stored(); });
+    return static_cast<unsigned int>(records);
+}
+
+std::int64_t SqliteDatabase::resize(std::uint32_t capacity) {
+    std::int64_t dropped = 0;
+    commit(Whose::OfThisLogbook, 0, [&](const Numbers& numbers) {
+        const std::int64_t before = session->stored();
+        writeHead(session->connection, {session->id, capacity, headOf(session->connection).cleared});
+        session->keepCapacity(numbers.newest, capacity, session->lost);
+        dropped = before - session->stored();
+    });
+    guarded(Access::Writing, [&] { session->file->takeSpaceFor(capacity); });
+    return dropped;
 }
 
 }  // namespace standalone

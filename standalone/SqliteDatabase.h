@@ -1,26 +1,30 @@
 #pragma once
 
+#include "LogbookFile.h"
+#include "LogbookFiles.h"
+#include "LostRanges.h"
 #include "Transaction.h"
 
 #include <lgb/IDatabase.h>
 
-#include <SQLiteCpp/Database.h>
-
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 namespace standalone {
 
-/// One logbook in one SQLite file. Records are numbered in the order of adding, without gaps, and no number is given
-/// out twice; a page is a range of numbers, so that it costs the same at any offset.
+/// One logbook in one SQLite file. Records are numbered in the order of adding, without gaps but where damage took
+/// some, and no number is given out twice; a page is a range of numbers, so that it costs the same at any offset.
+/// Before each operation it makes sure that the file is still the one in the folder.
 class SqliteDatabase : public lgb::IDatabase {
 public:
     /// @param path of the file, made when missing
-    /// @param recordsKept beyond which adding drops the oldest; 0: all
+    /// @param capacity beyond which adding drops the oldest
     /// @throws DatabaseError, here and from every operation
-    SqliteDatabase(const std::string& path, std::uint32_t recordsKept);
+    SqliteDatabase(const std::string& path, const WantedCapacity& capacity);
 
     SqliteDatabase(const SqliteDatabase&) = delete;
     SqliteDatabase& operator=(const SqliteDatabase&) = delete;
@@ -34,32 +38,55 @@ public:
     void clear() override;
     unsigned int count() override;
 
+    /// Changes how many records the file keeps, and drops the oldest beyond that at once.
+    /// @return how many were dropped
+    std::int64_t resize(std::uint32_t capacity);
+
 private:
-    template <typename Operation>
-    auto guarded(Operation operation);
+    struct Session;
 
-    Statement prepare(const std::string& sql);
+    /// The newest number given out, and the capacity.
+    struct Numbers {
+        std::int64_t newest;
+        std::int64_t capacity;
+    };
 
-    /// Makes a change in one transaction, and once more with room made in the log when the disk is full.
-    template <typename Change>
-    void commit(Change change);
+    /// What is asked of an operation, beyond its name.
+    enum class Access { Reading, Writing };
 
-    std::int64_t nextNumber();
-    std::int64_t stored();
-    void insert(std::int64_t number, const std::string& json, const lgb::timestamp::Timestamp& timestamp);
-    void keepUpTo(std::int64_t number);
+    void guarded(Access access, const std::function<void()>& operation);
+
+    /// Whether a change is made in another logbook that has taken the place of this one.
+    enum class Whose { OfThisLogbook, OfAnyLogbook };
+
+    using Change = std::function<void(const Numbers& numbers)>;
+
+    void commit(Whose whose, std::size_t bytes, const Change& change);
+
+    /// What was done to find space for a change.
+    struct Room {
+        bool madeInLog;
+        std::size_t growthsLeft;
+        std::int64_t records;  ///< how many of the oldest give way
+    };
+
+    void makeMore(Room& room);
+    void makeReady(Access access);
+    void leave(bool silently);
+    void leaveDamaged();
+    void followTo(Whose whose);
+    void open(Access access);
+    void openForReading();
+    void settle(const std::vector<FoundRecord>& cutOff);
+    void tellOfFullDisk();
 
     std::mutex mutex;  // statements are not to be shared
-    std::string file;
-    std::int64_t capacity;
-    SQLite::Database connection;
-    TransactionStatements transactions;
-    Statement selectPage;
-    Statement selectNextNumber;
-    Statement insertRecord;
-    Statement deleteOldest;
-    Statement selectCount;
-    bool written = false;
+    LogbookFiles files;
+    WantedCapacity wanted;
+    std::unique_ptr<Session> session;
+    std::vector<FoundRecord> leftRecords;  // of a file that is no longer in place
+    LogbookId leftId{};
+    bool toldOfFullDisk = false;
 };
 
 }  // namespace standalone

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace standalone {
@@ -21,18 +20,13 @@ std::optional<std::filesystem::path> pathFrom(const char* variable) {
     return value;
 }
 
-void makeFolder(const std::filesystem::path& folder) {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) {
-        throw DatabaseError(folder.string() + ": can't make the folder: " + error.message());
-    }
-}
-
 }  // namespace
 
 std::filesystem::path logbookFolder() {
     if (const auto folder = pathFrom("TQZEL_LOGBOOK_DIR")) {
+        return *folder;
+    }
+    if (const auto folder = pathFrom("STATE_DIRECTORY")) {
         return *folder;
     }
     if (const auto state = pathFrom("XDG_STATE_HOME")) {
@@ -41,25 +35,30 @@ std::filesystem::path logbookFolder() {
     if (const auto home = pathFrom("HOME")) {
         return *home / ".local/state/tqzel-logbook";
     }
-    throw DatabaseError("no folder for the logbooks: none of TQZEL_LOGBOOK_DIR, XDG_STATE_HOME and HOME is set");
+    throw DatabaseError(Failure::Missing,
+                        "no folder for the logbooks: none of TQZEL_LOGBOOK_DIR, STATE_DIRECTORY, XDG_STATE_HOME and "
+                        "HOME is set");
 }
 
 std::filesystem::path logbookFile(const std::filesystem::path& folder, const char* name) {
     return folder / (std::string(name) + ".db");
 }
 
-SqliteDatabaseFactory::SqliteDatabaseFactory(std::filesystem::path logbooks) : folder(std::move(logbooks)) {}
+SqliteDatabaseFactory::SqliteDatabaseFactory(std::filesystem::path logbooks, Capacity meaningOfCapacity)
+    : folder(std::move(logbooks)), meaning(meaningOfCapacity) {}
 
 std::unique_ptr<lgb::IDatabase> SqliteDatabaseFactory::create(const char* name, std::uint32_t,
                                                               std::uint32_t second) const {
-    makeFolder(folder);
-    return std::make_unique<SqliteDatabase>(logbookFile(folder, name).string(), second);
+    return std::make_unique<SqliteDatabase>(logbookFile(folder, name).string(), WantedCapacity{second, meaning});
 }
 
 std::int64_t SqliteDatabaseFactory::addAll(const char* name, std::uint32_t capacity,
                                            const std::vector<lgb::DatabaseRecord>& records) const {
-    makeFolder(folder);
-    return SqliteDatabase(logbookFile(folder, name).string(), capacity).addAll(records);
+    return SqliteDatabase(logbookFile(folder, name).string(), {capacity, meaning}).addAll(records);
+}
+
+std::int64_t SqliteDatabaseFactory::resize(const char* name, std::uint32_t capacity) const {
+    return SqliteDatabase(logbookFile(folder, name).string(), {capacity, Capacity::OfNewAlone}).resize(capacity);
 }
 
 }  // namespace standalone

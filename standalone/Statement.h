@@ -1,20 +1,20 @@
 #pragma once
 
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
+#include "Connection.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace standalone {
 
-/// A statement, prepared once, over SQLite's own interface: SQLiteCpp's columns cost more than what they read.
+/// A statement, prepared once.
 class Statement {
 public:
-    /// @throws SQLite::Exception, here and from what follows
-    Statement(SQLite::Database& database, const std::string& sql) : connection(database.getHandle()) {
+    /// @throws SqliteError, here and from what follows
+    Statement(Connection& database, const std::string& sql) : connection(database.handle()) {
         check(sqlite3_prepare_v2(connection, sql.c_str(), -1, &handle, nullptr), SQLITE_OK);
     }
 
@@ -26,8 +26,15 @@ public:
     void bind(int index, std::int64_t value) { check(sqlite3_bind_int64(handle, index, value), SQLITE_OK); }
 
     /// @param text must last until the statement is reset
-    void bind(int index, const std::string& text) {
-        check(sqlite3_bind_text64(handle, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8), SQLITE_OK);
+    void bind(int index, std::string_view text) {
+        const char* const bytes = text.empty() ? "" : text.data();
+        check(sqlite3_bind_text64(handle, index, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8), SQLITE_OK);
+    }
+
+    /// @param bytes must last until the statement is reset
+    template <typename Bytes>
+    void bindBytes(int index, const Bytes& bytes) {
+        check(sqlite3_bind_blob64(handle, index, bytes.data(), bytes.size(), SQLITE_STATIC), SQLITE_OK);
     }
 
     /// Whether there is a row. A statement left standing keeps a transaction open: to be reset.
@@ -64,7 +71,7 @@ public:
 private:
     void check(int outcome, int expected) const {
         if (outcome != expected) {
-            throw SQLite::Exception(connection, outcome);
+            throw SqliteError(connection, outcome);
         }
     }
 
@@ -85,5 +92,18 @@ public:
 private:
     Statement& statement;
 };
+
+/// The first column of the first row.
+inline std::int64_t numberFrom(Connection& connection, const std::string& sql) {
+    Statement statement(connection, sql);
+    statement.step();
+    return statement.number(0);
+}
+
+inline std::string textFrom(Connection& connection, const std::string& sql) {
+    Statement statement(connection, sql);
+    statement.step();
+    return statement.text(0);
+}
 
 }  // namespace standalone

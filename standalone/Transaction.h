@@ -9,7 +9,7 @@ struct TransactionStatements {
     static constexpr const char* reading = "BEGIN";
     static constexpr const char* writing = "BEGIN IMMEDIATE";
 
-    TransactionStatements(SQLite::Database& connection, const char* beginning)
+    TransactionStatements(Connection& connection, const char* beginning)
         : begin(connection, beginning), commit(connection, "COMMIT"), rollback(connection, "ROLLBACK") {}
 
     Statement begin;

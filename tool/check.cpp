@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "entries.h"
 #include "logbooks.h"
+#include "moments.h"
 #include "terminal.h"
 #include "words.h"
 
@@ -29,6 +30,15 @@ std::string item(const std::string& text, std::size_t width) {
     return hanging("  - ", text, width);
 }
 
+/// Prints what the file says of itself.
+void describe(const standalone::LogbookDescription& logbook, std::size_t width) {
+    const std::string kept = logbook.capacity == 0 ? "all entries" : "the newest " + entries(logbook.capacity);
+    std::cout << item("id " + logbook.id + ", keeps " + kept, width);
+    for (const standalone::LostRange& range : logbook.lost) {
+        std::cout << item(entriesFrom(range.first, range.last) + " lost, found " + utc(range.found), width);
+    }
+}
+
 /// Prints whether every entry can be read, and which can't.
 bool entriesAreReadable(const Selection& selection, std::size_t width) {
     standalone::LogbookReader reader(fileOf(selection));
@@ -45,6 +55,7 @@ bool entriesAreReadable(const Selection& selection, std::size_t width) {
         return true;
     });
     std::cout << "sound, " << shown << " of " << entries(all) << " readable\n" << faults;
+    describe(reader.description(), width);
     return shown == all;
 }
 
@@ -68,12 +79,21 @@ bool isSound(const Selection& selection, std::size_t width) {
     }
 }
 
+/// Prints which damaged files were set aside when the logbook was healed.
+void listSetAside(const Selection& selection, std::size_t width) {
+    for (const std::filesystem::path& file : standalone::filesSetAside(fileOf(selection))) {
+        std::cout << item("set aside when it was damaged: " + printable(file.string()), width);
+    }
+}
+
 void check(const Selection& selection) {
     const std::size_t width = terminalWidth();
     const Pager pager(true);
     bool sound = true;
     for (const std::string& name : selection.logbook.empty() ? logbookNames : std::vector{selection.logbook}) {
-        sound = isSound({selection.folder, name}, width) && sound;
+        const Selection each{selection.folder, name};
+        sound = isSound(each, width) && sound;
+        listSetAside(each, width);
     }
     if (!sound) {
         throw std::runtime_error("not everything is as it should be");

@@ -1,26 +1,16 @@
 #include "commands.h"
+#include "question.h"
 
 #include <iostream>
 #include <memory>
-#include <string>
 
 namespace tool {
 
 namespace {
 
-bool confirmed(const std::string& logbook) {
-    std::cout << "Remove all entries of the " << logbook << " logbook? [y/N] " << std::flush;
-    std::string answer;
-    if (!std::getline(std::cin, answer)) {
-        std::cout << '\n';
-        throw CLI::RequiredError("an answer, or --yes,");
-    }
-    return answer == "y" || answer == "yes";
-}
-
 void clear(const Selection& selection, bool yes) {
     const auto logbooks = openExisting(selection);
-    if (yes || confirmed(selection.logbook)) {
+    if (yes || isAgreedTo("Remove all entries of the " + selection.logbook + " logbook?")) {
         selected(*logbooks, selection).clear();
     } else {
         std::cout << "Nothing removed.\n";

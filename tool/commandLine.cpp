@@ -6,6 +6,7 @@
 #include "terminal.h"
 #include "wrongUse.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
@@ -35,6 +36,16 @@ std::string whyNoFolder(const std::string& name) {
     return std::filesystem::is_regular_file(name, none) ? name + " is a file, expected the folder it is in" : "";
 }
 
+/// What is wrong with an entry the commands tell themselves, in their own words; what the platform does to the files,
+/// such as healing one, is its own to tell.
+void setLogLevel(CLI::App& app) {
+    for (CLI::App* const command : app.get_subcommands({})) {
+        const auto& name = command->get_name();
+        const bool writes = name == "add" || name == "clear" || name == "import" || name == "resize";
+        command->preparse_callback([writes](std::size_t) { setenv("TQZEL_LOG_LEVEL", writes ? "4" : "5", 0); });
+    }
+}
+
 void declare(CLI::App& app, Selection& selection) {
     setHelp(app);
     app.set_version_flag("--version", TQZEL_VERSION, "Show the version");
@@ -49,13 +60,16 @@ void declare(CLI::App& app, Selection& selection) {
     declareCheck(app, selection);
     declareAdd(app, selection);
     declareClear(app, selection);
+    declareResize(app, selection);
     declareExport(app, selection);
     declareImport(app, selection);
+    declareSalvage(app, selection);
     declareMessages(app);
     declareExplain(app);
     declareCompletion(app);
     declareManual(app);
     declareHelp(app);
+    setLogLevel(app);
 }
 
 void parse(CLI::App& app, int argc, const char* const* argv) {
@@ -73,8 +87,6 @@ void parse(CLI::App& app, int argc, const char* const* argv) {
 }  // namespace
 
 int run(int argc, const char* const* argv) {
-    // What is wrong with an entry the commands tell themselves, in their own words.
-    setenv("TQZEL_LOG_LEVEL", "5", 0);
     CLI::App app("Records and shows the logbooks of a device", "tqzel-logbook");
     Selection selection;
     declare(app, selection);

@@ -19,6 +19,8 @@ void declareImport(CLI::App& app, Selection& selection);
 void declareManual(CLI::App& app);
 void declareMessages(CLI::App& app);
 void declareReport(CLI::App& app, Selection& selection);
+void declareResize(CLI::App& app, Selection& selection);
+void declareSalvage(CLI::App& app, Selection& selection);
 void declareShow(CLI::App& app, Selection& selection);
 void declareStats(CLI::App& app, Selection& selection);
 

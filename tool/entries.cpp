@@ -2,6 +2,7 @@
 
 #include "moments.h"
 #include "terminal.h"
+#include "words.h"
 
 #include <lgb/DescriptionCreator.h>
 #include <lgb/Entry.h>
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <exception>
 #include <limits>
 #include <tuple>
@@ -29,7 +31,7 @@ using tqbase2::nsa::zel::structs::LogbookEntryConverter;
 namespace {
 
 // Index is the standing.
-constexpr const char* standingNames[] = {"shown", "service only", "wordless", "unreadable", "damaged"};
+constexpr const char* standingNames[] = {"shown", "service only", "wordless", "unreadable", "damaged", "lost"};
 
 constexpr unsigned int recordsAtOnce = 256;
 
@@ -86,7 +88,7 @@ const char* nameOf(Standing standing) {
 }
 
 bool isRead(const ReadEntry& read) {
-    return read.standing != Standing::Unreadable && read.standing != Standing::Damaged;
+    return read.standing < Standing::Unreadable;
 }
 
 std::string codeOf(enums::LogbookEntryType type, std::uint32_t id) {
@@ -144,18 +146,69 @@ ReadEntry readEntry(const StoredRecord& record, bool service) {
     return read;
 }
 
+namespace {
+
+ReadEntry readLost(const standalone::LostRange& range) {
+    ReadEntry read;
+    read.number = range.last;
+    read.firstLost = range.first;
+    read.standing = Standing::Lost;
+    read.entry.timestamp = {range.found, 0, utc(range.found)};
+    read.reason = entriesFrom(range.first, range.last);
+    return read;
+}
+
+/// The lost numbers that are still to be told, in the order in which entries are.
+class LostNumbers {
+public:
+    LostNumbers(standalone::LogbookReader& reader, const Order& order) : oldestFirst(order.oldestFirst) {
+        if (!order.withLost) {
+            return;
+        }
+        for (const standalone::LostRange& range : reader.description().lost) {
+            if (range.last > order.after) {
+                left.push_back(range);
+            }
+        }
+        if (!oldestFirst) {
+            std::reverse(left.begin(), left.end());
+        }
+    }
+
+    /// Tells of those that come before an entry.
+    bool tellBefore(std::int64_t number, const std::function<bool(ReadEntry&&)>& consume) {
+        while (!left.empty() && (left.front().first < number) == oldestFirst) {
+            if (!consume(readLost(left.front()))) {
+                return false;
+            }
+            left.pop_front();
+        }
+        return true;
+    }
+
+private:
+    bool oldestFirst;
+    std::deque<standalone::LostRange> left;
+};
+
+}  // namespace
+
 void forEachEntry(standalone::LogbookReader& reader, const Order& order, bool service,
                   const std::function<bool(ReadEntry&&)>& consume) {
-    std::int64_t last = order.oldestFirst ? order.after : std::numeric_limits<std::int64_t>::max();
+    constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
+    LostNumbers lost(reader, order);
+    std::int64_t last = order.oldestFirst ? order.after : highest;
     while (true) {
         const std::vector<StoredRecord> records =
             order.oldestFirst ? reader.after(last, recordsAtOnce) : reader.before(last, recordsAtOnce);
         for (const StoredRecord& record : records) {
-            if (record.number <= order.after || !consume(readEntry(record, service))) {
+            if (!lost.tellBefore(record.number, consume) || record.number <= order.after ||
+                !consume(readEntry(record, service))) {
                 return;
             }
         }
         if (records.empty()) {
+            lost.tellBefore(order.oldestFirst ? highest : 0, consume);
             return;
         }
         last = records.back().number;

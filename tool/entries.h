@@ -17,6 +17,7 @@ enum class Standing {
     Wordless,     ///< its message can't be put in words
     Unreadable,   ///< what is stored is no entry
     Damaged,      ///< what is stored is not what was added
+    Lost,         ///< none: numbers that damage took
 };
 
 /// How a standing is called in the tool's output.
@@ -30,6 +31,7 @@ struct ReadEntry {
     std::string reason;             ///< why it is wordless or unreadable
     std::string document;           ///< what is stored
     bool hasMessage = true;         ///< false: "unknown entry"
+    std::int64_t firstLost = 0;     ///< of numbers that were lost, up to `number`
     std::int64_t clockSetBack = 0;  ///< seconds by which it is older than the record added before it
 };
 
@@ -65,6 +67,7 @@ ReadEntry readEntry(const standalone::StoredRecord& record, bool service);
 struct Order {
     bool oldestFirst = false;
     std::int64_t after = 0;  ///< only entries with numbers above
+    bool withLost = false;   ///< also where numbers were lost
 };
 
 /// Calls for each entry, until it returns false. Holds only a few at a time.

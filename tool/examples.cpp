@@ -35,11 +35,17 @@ constexpr Example examples[] = {
     {"clear", "clear customer",                                          "Asks before it removes anything."},
     {"clear", "clear service --yes",                                     "For scripts."},
 
+    {"resize", "resize customer 5000",                                   "Asks before it removes anything."},
+    {"resize", "resize service 500 --yes",                               "For scripts."},
+
     {"export", "export customer --output customer.jsonl",                "Into a file."},
     {"export", "export service | gzip >service.jsonl.gz",                "Through a pipe."},
 
     {"import", "import customer customer.jsonl",                         "Add the entries of a file."},
     {"import", "import service - <service.jsonl",                        "Add those of standard input."},
+
+    {"salvage", "salvage lgbCustomer.damaged-1.db --output found.jsonl",  "What is left in files that were set aside."},
+    {"salvage", "salvage copied/lgbService.db --all --output all.jsonl", "With what had been removed, if it lies there still."},
 
     {"messages", "messages",                                             "All of them."},
     {"messages", "messages --grep attenuation",                          "Those that speak of attenuation."},

@@ -1,29 +1,22 @@
 #include "commands.h"
+#include "exportLine.h"
 #include "logbooks.h"
 #include "output.h"
-#include "terminal.h"
+#include "progress.h"
 #include "words.h"
 
 #include <standalone/LogbookReader.h>
 #include <standalone/SqliteDatabaseFactory.h>
-#include <tqbase2/system/JsonUtility.h>
-
-#include <unistd.h>
 
 #include <fmt/format.h>
-#include <json/value.h>
-#include <boost/algorithm/hex.hpp>
 
-#include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -34,71 +27,8 @@ namespace tool {
 
 using lgb::DatabaseRecord;
 using standalone::StoredRecord;
-using tqbase2::system::JsonUtility;
 
-// A line of an export is a JSON object with these members. A text that is no UTF-8 stands as hexadecimal digits, under
-// its key with "Hex" behind it.
 namespace {
-
-constexpr const char* secondsKey = "seconds";
-constexpr const char* nanosecondsKey = "nanoseconds";
-constexpr const char* timeKey = "time";
-constexpr const char* entryKey = "entry";
-
-/// How far a long export or import is, on a terminal, from the second second on.
-class Progress {
-public:
-    explicit Progress(std::int64_t expected) : all(expected), shows(isatty(STDERR_FILENO) == 1) {}
-
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    ~Progress() {
-        if (lastShown != start) {
-            std::cerr << "\r\x1b[K" << std::flush;
-        }
-    }
-
-    void advance(std::int64_t count) {
-        done += count;
-        const auto now = std::chrono::steady_clock::now();
-        if (!shows || now - start < std::chrono::seconds(1) || now - lastShown < std::chrono::milliseconds(100)) {
-            return;
-        }
-        lastShown = now;
-        constexpr std::size_t columns = 40;
-        const std::size_t filled =
-            all == 0 ? 0 : static_cast<std::size_t>(std::min(done, all) * std::int64_t{columns} / all);
-        std::cerr << fmt::format("\r[{}{}] {}", std::string(filled, '='), std::string(columns - filled, ' '), done)
-                  << std::flush;
-    }
-
-private:
-    std::int64_t all;
-    std::int64_t done = 0;
-    bool shows;
-    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-    std::chrono::steady_clock::time_point lastShown = start;
-};
-
-void setText(Json::Value& line, const std::string& key, const std::string& text) {
-    if (isUtf8(text)) {
-        line[key] = text;
-        return;
-    }
-    std::string digits;
-    boost::algorithm::hex_lower(text, std::back_inserter(digits));
-    line[key + "Hex"] = digits;
-}
-
-std::string lineOf(const DatabaseRecord& record) {
-    Json::Value line;
-    line[secondsKey] = Json::Int64{record.timestamp.seconds};
-    line[nanosecondsKey] = Json::Int64{record.timestamp.nanoseconds};
-    setText(line, timeKey, record.timestamp.text);
-    setText(line, entryKey, record.json);
-    return JsonUtility::toJsonString(line);
-}
 
 /// Writes every record of a logbook, oldest first.
 /// @return how many had to be left out, being damaged
@@ -110,7 +40,7 @@ std::int64_t exportTo(std::ostream& stream, standalone::LogbookReader& reader) {
     while (!records.empty() && stream) {
         for (const StoredRecord& record : records) {
             if (record.intact) {
-                stream << lineOf(record.content) << '\n';
+                stream << exportLineOf(record.content) << '\n';
             } else {
                 ++damaged;
             }
@@ -122,45 +52,8 @@ std::int64_t exportTo(std::ostream& stream, standalone::LogbookReader& reader) {
     return damaged;
 }
 
-std::int64_t integerOf(const Json::Value& line, const char* key, std::int64_t least, std::int64_t most) {
-    const Json::Value& value = line[key];
-    if (!value.isInt64() || value.asInt64() < least || value.asInt64() > most) {
-        throw std::invalid_argument(fmt::format("\"{}\" is no whole number from {} to {}", key, least, most));
-    }
-    return value.asInt64();
-}
-
-std::string textOf(const Json::Value& line, const std::string& key) {
-    const Json::Value& text = line[key];
-    const Json::Value& digits = line[key + "Hex"];
-    if (text.isString() == digits.isString()) {
-        throw std::invalid_argument(fmt::format("either \"{0}\" or \"{0}Hex\" must be a text", key));
-    }
-    if (text.isString()) {
-        return text.asString();
-    }
-    std::string bytes;
-    try {
-        boost::algorithm::unhex(digits.asString(), std::back_inserter(bytes));
-    } catch (const boost::algorithm::hex_decode_error&) {
-        throw std::invalid_argument(fmt::format("\"{}Hex\" is not an even number of hexadecimal digits", key));
-    }
-    return bytes;
-}
-
-DatabaseRecord recordOf(const std::string& text) {
-    const Json::Value line = JsonUtility::toJsonValue(text);
-    if (!line.isObject()) {
-        throw std::invalid_argument(text.empty() ? "is empty" : "is no JSON object");
-    }
-    constexpr std::int64_t lastNanosecond = 999999999;
-    return {{integerOf(line, secondsKey, INT64_MIN, INT64_MAX), integerOf(line, nanosecondsKey, 0, lastNanosecond),
-             textOf(line, timeKey)},
-            textOf(line, entryKey)};
-}
-
 /// @param file and number of the line, for the error
-DatabaseRecord recordOf(const std::string& line, const std::string& file, std::int64_t number) {
+DatabaseRecord recordAt(const std::string& line, const std::string& file, std::int64_t number) {
     try {
         return recordOf(line);
     } catch (const std::exception& exception) {
@@ -192,8 +85,8 @@ void importFrom(std::istream& stream, const std::string& file, const Selection& 
     std::int64_t number = 0;
     skipByteOrderMark(stream);
     for (std::string line; std::getline(stream, line); progress.advance(1)) {
-        newest.push_back(recordOf(line, file, ++number));
-        if (newest.size() > capacity) {
+        newest.push_back(recordAt(line, file, ++number));
+        if (capacity > 0 && newest.size() > capacity) {
             newest.pop_front();
         }
     }
@@ -201,14 +94,14 @@ void importFrom(std::istream& stream, const std::string& file, const Selection& 
         throw std::runtime_error(fmt::format("{}: can't be read behind line {}; nothing was imported", file, number));
     }
     const bool isNew = !folderExists(selection);
-    const std::int64_t dropped = standalone::SqliteDatabaseFactory(folderOf(selection))
-                                     .addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
+    const std::int64_t dropped =
+        factoryFor(selection).addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
     if (isNew) {
         tellOfNewFolder(selection);
     }
     std::cout << entries(number) << " imported";
-    if (number > capacity) {
-        std::cout << ", of which the newest " << capacity << " are kept";
+    if (static_cast<std::int64_t>(newest.size()) < number) {
+        std::cout << ", of which the newest " << newest.size() << " are kept";
     }
     if (dropped > 0) {
         std::cout << "; the oldest " << entries(dropped) << " of before made room";

@@ -62,6 +62,9 @@ std::string wordsOf(const ReadEntry& read) {
 /// What the words of an entry leave out.
 std::string notesOf(const ReadEntry& read, bool raw) {
     std::string notes;
+    if (read.standing == Standing::Lost) {
+        return notes;
+    }
     if (!isRead(read)) {
         notes += " [" + read.document + ']';
     } else if (raw || !read.hasMessage) {
@@ -168,6 +171,10 @@ Json::Value jsonOf(const ReadEntry& read) {
     json["time"] = iso8601(entry.timestamp.seconds, entry.timestamp.nanoseconds);
     json["timeText"] = validUtf8(entry.timestamp.text);
     json["standing"] = nameOf(read.standing);
+    if (read.standing == Standing::Lost) {
+        json["firstNumber"] = Json::Int64{read.firstLost};
+        return json;
+    }
     if (!read.reason.empty()) {
         json["reason"] = validUtf8(read.reason);
     }
@@ -238,7 +245,7 @@ public:
             number(entry.details.unit),
             number(entry.details.device),
             readable ? enums::GenerationConverter::fromValToJsonValue(entry.details.generation).asString() : "",
-            validUtf8(readable ? wordsOf(read) : read.document),
+            validUtf8(readable || read.standing == Standing::Lost ? wordsOf(read) : read.document),
             validUtf8(entry.details.params),
         };
         std::string line;

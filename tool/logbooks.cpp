@@ -5,7 +5,7 @@
 
 #include <lgb/IDatabase.h>
 #include <lgb/LogbookFactory.h>
-#include <standalone/SqliteDatabaseFactory.h>
+#include <standalone/LogbookReader.h>
 #include <standalone/errors.h>
 
 #include <cstdint>
@@ -33,7 +33,7 @@ public:
 class SelectedDatabaseFactory : public standalone::SqliteDatabaseFactory {
 public:
     explicit SelectedDatabaseFactory(const Selection& selection)
-        : SqliteDatabaseFactory(folderOf(selection)), selected(databaseName(selection)) {}
+        : SqliteDatabaseFactory(factoryFor(selection)), selected(databaseName(selection)) {}
 
     std::unique_ptr<lgb::IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const override {
         if (selected != name) {
@@ -47,9 +47,9 @@ private:
 };
 
 /// Learns the capacity that the library gives to a logbook.
-class Capacity : public lgb::DatabaseFactory {
+class UsualCapacity : public lgb::DatabaseFactory {
 public:
-    explicit Capacity(const char* database) : name(database) {}
+    explicit UsualCapacity(const char* database) : name(database) {}
 
     std::unique_ptr<lgb::IDatabase> create(const char* created, std::uint32_t, std::uint32_t second) const override {
         if (name == created) {
@@ -63,6 +63,12 @@ public:
 private:
     std::string name;
 };
+
+std::uint32_t usualCapacityOf(const Selection& selection) {
+    const UsualCapacity capacity(databaseName(selection));
+    const lgb::ZelLogbook logbooks(capacity, lgb::LogbookFactory());
+    return capacity.records;
+}
 
 }  // namespace
 
@@ -83,9 +89,18 @@ std::filesystem::path fileOf(const Selection& selection) {
 }
 
 std::uint32_t capacityOf(const Selection& selection) {
-    const Capacity capacity(databaseName(selection));
-    const lgb::ZelLogbook logbooks(capacity, lgb::LogbookFactory());
-    return capacity.records;
+    try {
+        return standalone::LogbookReader(fileOf(selection)).description().capacity;
+    } catch (const standalone::DatabaseError& error) {
+        if (error.kind() != standalone::Failure::Missing && error.kind() != standalone::Failure::Damaged) {
+            throw;
+        }
+        return usualCapacityOf(selection);
+    }
+}
+
+standalone::SqliteDatabaseFactory factoryFor(const Selection& selection) {
+    return standalone::SqliteDatabaseFactory(folderOf(selection), standalone::Capacity::OfNewAlone);
 }
 
 CLI::Option* declareLogbook(CLI::App& command, Selection& selection) {
@@ -111,11 +126,15 @@ std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {
     return logbooks;
 }
 
-std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection) {
+void requireLogbook(const Selection& selection) {
     const auto file = fileOf(selection);
     if (!std::filesystem::exists(file)) {
-        throw standalone::DatabaseError(file.string() + ": there is no such logbook");
+        throw standalone::DatabaseError(standalone::Failure::Missing, file.string() + ": there is no such logbook");
     }
+}
+
+std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection) {
+    requireLogbook(selection);
     return open(selection);
 }
 

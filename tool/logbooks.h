@@ -2,6 +2,7 @@
 
 #include <lgb/ILogbook.h>
 #include <lgb/ZelLogbook.h>
+#include <standalone/SqliteDatabaseFactory.h>
 
 #include <CLI/CLI.hpp>
 
@@ -34,8 +35,12 @@ std::filesystem::path folderOf(const Selection& selection);
 /// The file of the selected logbook.
 std::filesystem::path fileOf(const Selection& selection);
 
-/// Most records the selected logbook keeps.
+/// Most records the selected logbook keeps, 0 for all: what its file says; of one not yet made what the library gives
+/// it.
 std::uint32_t capacityOf(const Selection& selection);
+
+/// Opens logbooks that keep to their own capacity.
+standalone::SqliteDatabaseFactory factoryFor(const Selection& selection);
 
 bool folderExists(const Selection& selection);
 
@@ -47,7 +52,10 @@ void tellOfNewFolder(const Selection& selection);
 /// @throws standalone::DatabaseError
 std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection);
 
-/// The same for a command that works on what is there.
+/// @throws standalone::DatabaseError, when there is no such logbook
+void requireLogbook(const Selection& selection);
+
+/// Opens a logbook for a command that works on what is there.
 /// @throws standalone::DatabaseError, also when there is no such logbook
 std::unique_ptr<lgb::ZelLogbook> openExisting(const Selection& selection);
 

@@ -1,5 +1,7 @@
 #include "moments.h"
 
+#include "durations.h"
+
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
@@ -14,10 +16,6 @@
 namespace tool {
 
 namespace {
-
-constexpr std::int64_t minute = 60;
-constexpr std::int64_t hour = 60 * minute;
-constexpr std::int64_t day = 24 * hour;
 
 struct Unit {
     std::string_view name;

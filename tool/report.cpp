@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "counts.h"
+#include "durations.h"
 #include "entries.h"
 #include "logbooks.h"
 #include "moments.h"
@@ -227,9 +228,8 @@ mustache::data barsOf(const Timeline& timeline, std::size_t index, std::int64_t 
 
 /// A time on the axis: as exact as the parts are.
 std::string axisTime(std::int64_t seconds, const Timeline& timeline) {
-    constexpr std::int64_t day = 86400;
-    const std::string minute = localMinute(seconds);
-    return timeline.length < day ? minute : minute.substr(0, minute.find(' '));
+    const std::string text = localMinute(seconds);
+    return timeline.length < day ? text : text.substr(0, text.find(' '));
 }
 
 std::string countsText(const Timeline::Part& part) {
@@ -356,7 +356,8 @@ void report(const Selection& selection, const std::string& file, const std::stri
     }
     const std::filesystem::path folder = folderOf(selection);
     if (std::none_of(logbooks.begin(), logbooks.end(), std::mem_fn(&Contents::wasRead))) {
-        throw standalone::DatabaseError(faults.empty() ? folder.string() + ": there is no logbook" : faults);
+        throw standalone::DatabaseError(standalone::Failure::Missing,
+                                        faults.empty() ? folder.string() + ": there is no logbook" : faults);
     }
     const mustache::data page = pageOf(logbooks, folder, title);
     writeOutput(selection, file,

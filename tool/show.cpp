@@ -89,16 +89,35 @@ void tell(const Page& page) {
     }
 }
 
+/// Whether what stands behind so many entries is on the page.
+bool isOnPage(std::uint64_t entriesBefore, const Request& request, unsigned int most) {
+    return entriesBefore >= request.offset && entriesBefore < std::uint64_t{request.offset} + most;
+}
+
 /// Shows a page: counted from the newest entry, also when the oldest one of it comes first.
 Page showPage(standalone::LogbookReader& reader, const Selection& selection, const Request& request, Listing& listing) {
     const unsigned int most = mostOf(request);
     const bool turnsRound = request.oldestFirst && (most != noLimit || request.offset > 0);
-    const Order order{request.oldestFirst && !turnsRound, request.after.value_or(0)};
+    const Order order{request.oldestFirst && !turnsRound, request.after.value_or(0), true};
     Page page;
     std::uint64_t wanted = 0;
     std::deque<ReadEntry> turned;
+    const auto put = [&](ReadEntry&& read) {
+        page.isEmpty = false;
+        if (turnsRound) {
+            turned.push_front(std::move(read));
+        } else {
+            listing.add(read);
+        }
+    };
     forEachEntry(reader, order, isService(selection), [&](ReadEntry&& read) {
         page.newest = std::max(page.newest, read.number);
+        if (read.standing == Standing::Lost) {  // no entry that counts
+            if (isOnPage(wanted, request, most) && request.filter.matches(read)) {
+                put(std::move(read));
+            }
+            return true;
+        }
         if (wanted == std::uint64_t{request.offset} + most) {
             LeftOut older;
             page.hasMore = isUsualPage(request) && isWanted(read, request, older);
@@ -107,12 +126,7 @@ Page showPage(standalone::LogbookReader& reader, const Selection& selection, con
         if (!isWanted(read, request, page.leftOut) || ++wanted <= request.offset) {
             return true;
         }
-        page.isEmpty = false;
-        if (turnsRound) {
-            turned.push_front(std::move(read));
-        } else {
-            listing.add(read);
-        }
+        put(std::move(read));
         return true;
     });
     for (const ReadEntry& read : turned) {
@@ -158,18 +172,32 @@ private:
     std::optional<Writings> seen;
 };
 
+/// Whether it is no longer the logbook with that id, which is empty at first and then its own.
+bool isAnother(standalone::LogbookReader& reader, std::string& id) {
+    const std::string known = std::exchange(id, reader.description().id);
+    return !known.empty() && known != id;
+}
+
 /// Shows the newest entries, then each that comes, until interrupted.
 [[noreturn]] void follow(const Selection& selection, Request request) {
     request.oldestFirst = true;
     request.look.goesOn = true;
     std::unique_ptr<Listing> listing;
+    std::string id;
     for (Watch watch(fileOf(selection));; std::this_thread::sleep_for(std::chrono::milliseconds(300))) {
         if (!watch.hasChanged()) {
             continue;
         }
-        standalone::LogbookReader reader(fileOf(selection));  // anew, as others may only now begin to use the file
+        if (listing && !std::filesystem::exists(fileOf(selection))) {
+            continue;  // deleted, until somebody makes it anew
+        }
+        standalone::LogbookReader reader(fileOf(selection));
         if (!listing) {
             listing = createListing(request.format, request.look);  // begins to write
+        }
+        if (isAnother(reader, id)) {
+            std::cerr << "tqzel-logbook: another logbook has taken its place, from its first entry on:\n";
+            request.after.reset();
         }
         const Page page = showPage(reader, selection, request, *listing);
         listing->flush();

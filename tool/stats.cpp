@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "counts.h"
+#include "durations.h"
 #include "entries.h"
 #include "filter.h"
 #include "logbooks.h"
@@ -70,7 +71,6 @@ std::string unchanged(const std::string& name) {
 void printChart(const std::vector<std::int64_t>& seconds) {
     constexpr std::int64_t mostParts = 12;
     constexpr std::int64_t columns = 40;
-    constexpr std::int64_t minute = 60;
     const auto [first, last] = std::minmax_element(seconds.begin(), seconds.end());
     const std::int64_t length = secondsBetween(*first, *last) / mostParts + 1;
     const std::int64_t parts = secondsBetween(*first, *last) / length + 1;

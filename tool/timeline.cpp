@@ -1,5 +1,7 @@
 #include "timeline.h"
 
+#include "durations.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <ctime>
@@ -7,11 +9,6 @@
 namespace tool {
 
 namespace {
-
-constexpr std::int64_t minute = 60;
-constexpr std::int64_t hour = 60 * minute;
-constexpr std::int64_t day = 24 * hour;
-constexpr std::int64_t week = 7 * day;
 
 constexpr std::int64_t lengths[] = {minute, 5 * minute, 15 * minute, hour,     2 * hour, 6 * hour, 12 * hour,
                                     day,    2 * day,    4 * day,     2 * week, 4 * week, 8 * week, 26 * week};

@@ -62,4 +62,9 @@ std::string entries(std::int64_t count) {
     return std::to_string(count) + (count == 1 ? " entry" : " entries");
 }
 
+std::string entriesFrom(std::int64_t first, std::int64_t last) {
+    return first == last ? "entry " + std::to_string(last)
+                         : "entries " + std::to_string(first) + " to " + std::to_string(last);
+}
+
 }  // namespace tool

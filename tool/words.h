@@ -21,4 +21,7 @@ std::string listed(const std::vector<std::string>& words, const std::string& con
 /// "1 entry", "2 entries"
 std::string entries(std::int64_t count);
 
+/// "entry 7", "entries 7 to 9"
+std::string entriesFrom(std::int64_t first, std::int64_t last);
+
 }  // namespace tool

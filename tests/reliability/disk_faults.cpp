@@ -295,8 +295,11 @@ private:
         failures.expect(diskFailed, context + ": " + what + " failed on a disk that is well: " + message);
         bool named = false;
         for (const Book& book : books) {
-            const std::string file = standalone::logbookFile(folder.path(), book.name).string() + ": ";
-            named = named || (message.rfind(file, 0) == 0 && message.size() > file.size());
+            const std::string database = standalone::logbookFile(folder.path(), book.name).string();
+            for (const char* const beside : {": ", "-making: "}) {
+                named =
+                    named || (message.rfind(database + beside, 0) == 0 && message.size() > (database + beside).size());
+            }
         }
         failures.expect(named, context + ": " + what + ": without file or reason: " + message);
     }

@@ -161,7 +161,7 @@ TEST_F(Reader, RefusesACopyThatLacksWhatItsNewestRecordsNeed) {
 TEST_F(Reader, RefusesByNameWhatIsNoLogbook) {
     EXPECT_EQ(refusal(), file.string() + ": there is no such logbook");
     support::write(file, "");
-    EXPECT_EQ(refusal(), file.string() + ": an empty database, not a logbook");
+    EXPECT_EQ(refusal(), file.string() + ": damaged: it is empty");
     support::write(file, "Dear diary");
     EXPECT_EQ(refusal(), file.string() + ": file is not a database");
 }
@@ -172,16 +172,16 @@ TEST_F(Reader, RefusesALogbookWhoseLogCanNotBeRead) {
     std::filesystem::remove(file.string() + "-shm");
     const std::string log = file.string() + "-wal";
     std::filesystem::create_directory(log);
-    EXPECT_EQ(refusal(), file.string() + ": " + log + " can't be read");
+    EXPECT_EQ(refusal(), log + ": is no regular file");
     std::filesystem::remove(log);
     ASSERT_EQ(mknod(log.c_str(), S_IFSOCK | S_IRUSR, 0), 0);
-    EXPECT_EQ(refusal(), file.string() + ": " + log + " can't be read");
+    EXPECT_EQ(refusal(), log + ": is no regular file");
 }
 
 TEST_F(Reader, RefusesATableThatIsAnother) {
     addAndClose(1, 3);
     support::execute(file, "ALTER TABLE record RENAME COLUMN seconds TO minutes");
-    EXPECT_EQ(refusal(), file.string() + ": no such column: seconds");
+    EXPECT_EQ(refusal(), file.string() + ": damaged: its tables are not those of a logbook");
 }
 
 TEST_F(Reader, NamesTheFileWhenItCanNotReadOn) {
@@ -207,7 +207,7 @@ TEST_F(Reader, ReadsAFolderWhoseNameBeginsWithTwoSlashes) {
 TEST_F(Reader, NamesWhatIsDamagedInTheStructure) {
     addAndClose(1, 3);
     EXPECT_THAT(standalone::structuralDamage(file), ElementsAre());
-    support::execute(file, "PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
+    support::execute(file, "PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'lost'");
     EXPECT_THAT(standalone::structuralDamage(file), Contains(testing::HasSubstr("2nd reference to page 2")));
 }
 
@@ -222,15 +222,6 @@ TEST_F(Reader, IsToldHowManyOlderRecordsMadeRoom) {
     EXPECT_EQ(factory.addAll("lgbTest", 3, {{{}, "3"}, {{}, "4"}}), 1);
     EXPECT_EQ(factory.addAll("lgbTest", 3, {{{}, "5"}, {{}, "6"}, {{}, "7"}, {{}, "8"}}), 3);
     EXPECT_EQ(factory.addAll("lgbTest", 0, {{{}, "9"}}), 0);
-}
-
-TEST_F(Reader, FindsNothingOfWhatCouldNotBeAddedAtOnce) {
-    addAndClose(1, 2);
-    support::execute(
-        file, "CREATE TRIGGER full BEFORE INSERT ON record WHEN new.json = '4' BEGIN SELECT raise(ABORT, 'no 4'); END");
-    EXPECT_THROW(SqliteDatabaseFactory(folder.path()).addAll("lgbTest", 3, {{{}, "3"}, {{}, "4"}}),
-                 standalone::DatabaseError);
-    EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("2", "1"));
 }
 
 }  // namespace

@@ -37,6 +37,8 @@ public:
         }
     }
 
+    bool areNone() const { return count == 0; }
+
     /// The exit code of the check, after one line of figures.
     int conclude(const std::string& figures) const {
         std::cout << first << figures << ", " << count << " failures\n";

@@ -17,7 +17,8 @@ namespace support {
 class Ledger {
 public:
     /// @param recordsKept 0: all
-    explicit Ledger(std::size_t recordsKept) : capacity(recordsKept) {}
+    /// @param before the number before that of the first record
+    explicit Ledger(std::size_t recordsKept, std::int64_t before = 0) : capacity(recordsKept), last(before) {}
 
     /// The number of the record that is to be added now.
     std::int64_t adding() {
@@ -32,6 +33,9 @@ public:
 
     bool isLast(std::int64_t number) const { return number == last; }
 
+    /// The last number that was given out.
+    std::int64_t newest() const { return last; }
+
     void clearing() { doubtfulClears.insert(last); }
 
     void cleared() {
@@ -41,6 +45,13 @@ public:
 
     /// Holds all records of the logbook, as they were fetched, against what was acknowledged.
     Losses audit(const std::vector<Entry>& stored) const {
+        return audit(stored, capacity > 0 && stored.size() >= capacity);
+    }
+
+    /// The same for one who is not alone in adding to the logbook.
+    /// @param stored its own records
+    /// @param isFull whether older ones may have made room
+    Losses audit(const std::vector<Entry>& stored, bool isFull) const {
         Losses losses;
         std::set<std::int64_t> seen;
         std::int64_t newer = last + 1;
@@ -53,7 +64,7 @@ public:
             newer = number;
         }
         losses.strange += capacity > 0 && stored.size() > capacity ? 1 : 0;
-        const std::int64_t first = oldestNeeded(seen);
+        const std::int64_t first = oldestNeeded(seen, isFull);
         losses.lost += std::count_if(acknowledged.lower_bound(first), acknowledged.end(), [&](const auto& record) {
             return record.second && seen.count(record.first) == 0;
         });
@@ -72,6 +83,14 @@ public:
         return inDoubt;
     }
 
+    /// Damage left these records, and may have left others of which nobody knows.
+    void damaged(const std::vector<Entry>& left) {
+        for (auto& [number, isKnown] : acknowledged) {
+            isKnown = false;
+        }
+        confirm(left);
+    }
+
     /// Ends all doubt: what is not there stays away, too.
     /// @return how many records had not been acknowledged
     std::int64_t settle(const std::vector<Entry>& stored) {
@@ -83,9 +102,9 @@ public:
 
 private:
     /// Older records were removed by a clear, or dropped from a full logbook.
-    std::int64_t oldestNeeded(const std::set<std::int64_t>& stored) const {
+    std::int64_t oldestNeeded(const std::set<std::int64_t>& stored, bool isFull) const {
         const std::int64_t oldest = stored.empty() ? last + 1 : *stored.begin();
-        if (capacity > 0 && stored.size() >= capacity) {
+        if (isFull) {
             return oldest;
         }
         const auto behind = doubtfulClears.lower_bound(oldest);
@@ -93,7 +112,7 @@ private:
     }
 
     std::size_t capacity;
-    std::int64_t last = 0;
+    std::int64_t last;
     std::map<std::int64_t, bool> acknowledged;  // by number, all that may be stored
     std::set<std::int64_t> doubtfulClears;      // the last number before each
 };

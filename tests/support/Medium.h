@@ -1,81 +1,97 @@
 #pragma once
 
 #include "random.h"
-#include "vfs.h"
+#include "recording.h"
 
 #include <cstdint>
+#include <deque>
+#include <filesystem>
 #include <map>
-#include <memory>
-#include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace support {
 
-/// A disk that loses power. What it keeps then is drawn by lot:
+/// Folders and the contents of files, by their paths below a folder.
+struct Tree {
+    std::set<std::string> folders;
+    std::map<std::string, std::string> files;
+
+    static Tree of(const std::filesystem::path& folder);
+
+    void writeTo(const std::filesystem::path& folder) const;
+};
+
+/// A disk to which recorded calls are made and that loses power. What it keeps then is drawn by lot:
 /// - A file keeps what it held at its last sync. Of each write since, by sectors of 512 bytes, all, some or nothing
-///   arrived, whatever became of the writes before it; where the file was to grow, its new size may have arrived
-///   without the bytes, and what the disk held there before shows. A new size alone arrived or not; what it added
-///   reads as zeros.
-/// - A name in the folder stands for what it stood for at the folder's last sync or at any time since. The folder is
-///   synced with the first sync of a journal that SQLite opened to be made when missing, and by a deletion that asks
-///   for it: so SQLite's own layer for Unix does.
-/// - Bytes beside those written stay as they are, as that layer promises.
-/// - The shared memory beside a database is gone, or was left behind as it was.
-class Medium : public Vfs {
+///   arrived, whatever became of the writes before it, or to other files. Where the file was to grow, its new size may
+///   have arrived without the bytes: zeros are read there, or what the disk held there before, unless the space had
+///   been set aside. A new size alone arrived or not.
+/// - A folder keeps the names it had at its own last sync; that of a file makes no name certain. Each change of names
+///   since arrived or not, whatever became of those before it; a rename arrived as a whole.
+/// - Bytes beside those written stay as they are.
+class Medium {
 public:
-    /// @param ignores whether syncs are reported as done and nothing more
-    explicit Medium(bool ignores) : ignoresSyncs(ignores) {}
+    /// @param begin what it holds for sure
+    /// @param ignores whether it takes syncs for done
+    Medium(const Tree& begin, bool ignores);
 
-    /// Power is lost in the middle of the call that comes after so many that change the disk; from then on all fail.
-    void losePowerAfter(std::int64_t calls) { callsLeft = calls; }
+    /// @param event must outlive this object
+    void replay(const Event& event);
 
-    bool hasPower() const { return !callsLeft || *callsLeft >= 0; }
+    /// What a program finds there.
+    Tree told() const;
 
-    /// Puts into the place of the files, which nobody may have open any more, what the disk kept, and gives power back.
-    /// @return whether the files had been what the disk was told
-    bool restore(Random& random);
+    /// What is there after a loss of power now. One after another may be drawn.
+    Tree survivors(Random& random);
 
     std::int64_t sectorsLost() const { return lostSectors; }
 
 private:
-    struct Change {
-        bool isWrite;
-        std::int64_t position;  // of the write, or the new size
-        std::string bytes;
+    struct Node;
+    using Names = std::map<std::string, Node*>;
+
+    /// A name stands for something from now on, and another, if there is one, for nothing; or it stands for nothing.
+    struct NameChange {
+        std::string name;
+        Node* node;
+        std::string former;
+
+        void applyTo(Names& names) const;
     };
 
-    struct Content {
+    /// A file or a folder.
+    struct Node {
+        bool isFolder;
         std::string synced;
-        std::vector<Change> since;
+        std::vector<const Event*> since;
+        std::int64_t reserved = 0;  // so many bytes read as zeros until they are written
+        Names names;
+        Names syncedNames;
+        std::vector<NameChange> changes;
     };
 
-    // The first is what the folder has for sure, the last what it was told; null: no such file.
-    using Name = std::vector<std::shared_ptr<Content>>;
+    struct Luck;
 
-    Answer answer(Call call) override;
-    void opened(const std::string& file) override;
-    void removed(const std::string& file) override;
-    void written(const std::string& file, std::int64_t offset, const std::string& bytes) override;
-    void resized(const std::string& file, std::int64_t size) override;
-    void synced(const std::string& file) override;
-    void folderSynced() override;
+    Node& add(bool isFolder);
+    Node& at(const std::string& path);
+    Node& nodeOf(const Event& event);
+    void change(const std::string& path, Node* node, const std::string& formerPath = {});
+    void sync(Node& node) const;
+    static std::string toldContent(const Node& file);
+    std::string survivor(const Node& file, Random& random);
+    void applySome(const Event& write, const Node& file, const Luck& luck, std::string& content, Random& random);
+    std::string oldBytes(std::size_t count, Random& random) const;
 
-    /// How likely a write arrives whole, and how likely a sector of one that does not.
-    struct Luck {
-        double whole;
-        double sector;
-    };
-
-    static void apply(const Change& change, std::string& content);
-    static std::string told(const Content& content);
-
-    std::string kept(const Content& content, const Luck& luck, Random& random);
-    void applySome(const Change& write, std::string& content, const Luck& luck, Random& random);
+    template <typename NamesOf, typename ContentOf>
+    static void collect(const Node& folder, const std::string& path, Tree& tree, const NamesOf& namesOf,
+                        const ContentOf& contentOf);
 
     bool ignoresSyncs;
-    std::optional<std::int64_t> callsLeft;
-    std::map<std::string, Name> names;
+    std::deque<Node> nodes;                                              // the first is the folder itself
+    std::map<std::pair<std::int32_t, std::int32_t>, Node*> descriptors;  // by process
     std::int64_t lostSectors = 0;
 };
 

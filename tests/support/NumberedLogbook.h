@@ -17,7 +17,7 @@ using Entry = tqbase2::nsa::zel::logbook::Entry;
 
 /// The record of that number, as it is added and as it must come back. Some are longer than a page of the file.
 inline Entry recordOf(std::int64_t number) {
-    const std::size_t length = number % 8 == 3 ? 9000 : 50;
+    const auto length = static_cast<std::size_t>(number % 8 == 3 ? 1000 * (2 + number / 8 % 8) : 50);
     const std::string text = std::to_string(number) + std::string(length, static_cast<char>('a' + number % 26));
     const lgb::code::Code code(14, tqbase2::nsa::zel::enums::LogbookEntryType::Error);
     Entry entry = lgb::LogbookEntryCreator::create(lgb::Entry(code, lgb::params::createService(text)));
@@ -35,18 +35,19 @@ inline bool isWhole(const Entry& entry) {
            entry.timestamp.nanoseconds == added.timestamp.nanoseconds && entry.timestamp.text == added.timestamp.text;
 }
 
+constexpr const char* numberedName = "lgbNumbered";
+
 /// Where a logbook is kept.
 struct Place {
     std::filesystem::path folder;
     std::uint32_t capacity;  // 0: unlimited
+    const char* name = numberedName;
 };
-
-constexpr const char* numberedName = "lgbNumbered";
 
 /// A logbook in use.
 struct NumberedLogbook {
     explicit NumberedLogbook(const Place& place)
-        : database(standalone::SqliteDatabaseFactory(place.folder).create(numberedName, 0, place.capacity)),
+        : database(standalone::SqliteDatabaseFactory(place.folder).create(place.name, 0, place.capacity)),
           logbook(lgb::LogbookFactory().create(*database, true)) {}
 
     std::unique_ptr<lgb::IDatabase> database;

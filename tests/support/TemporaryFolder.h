@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/stat.h>
+
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -38,6 +41,14 @@ inline std::string contentOf(const std::filesystem::path& file) {
     std::ostringstream content;
     content << std::ifstream(file, std::ios::binary).rdbuf();
     return content.str();
+}
+
+/// Bytes that the disk keeps for a file, which may be more than its size.
+inline std::uintmax_t allottedTo(const std::filesystem::path& file) {
+    struct stat status {};
+
+    constexpr std::uintmax_t blockBytes = 512;
+    return stat(file.c_str(), &status) == 0 ? static_cast<std::uintmax_t>(status.st_blocks) * blockBytes : 0;
 }
 
 /// The names and contents of the files in a folder.

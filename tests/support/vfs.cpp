@@ -33,12 +33,10 @@ struct Below {
 
 /// A file as SQLite has it.
 struct File : sqlite3_file {
-    explicit File(Vfs& its, const char* path) : sqlite3_file{}, vfs(its), name(path == nullptr ? "" : path) {}
+    explicit File(Vfs& its) : sqlite3_file{}, vfs(its) {}
 
     Vfs& vfs;
-    std::string name;
     Below disk;
-    bool syncsFolder = false;  // with the next sync
 };
 
 File& of(sqlite3_file* file) {
@@ -66,13 +64,7 @@ int readFile(sqlite3_file* from, void* bytes, int size, sqlite3_int64 offset) {
 
 int writeFile(sqlite3_file* to, const void* bytes, int size, sqlite3_int64 offset) {
     File& file = of(to);
-    const auto carryOut = [&](int length) {
-        const int code = file.disk->xWrite(file.disk, bytes, length, offset);
-        if (code == SQLITE_OK) {
-            file.vfs.written(file.name, offset, {static_cast<const char*>(bytes), static_cast<std::size_t>(length)});
-        }
-        return code;
-    };
+    const auto carryOut = [&](int length) { return file.disk->xWrite(file.disk, bytes, length, offset); };
     const Answer answer = file.vfs.answer(Call::Write);
     if (answer.code == SQLITE_OK) {
         return carryOut(size);
@@ -83,33 +75,14 @@ int writeFile(sqlite3_file* to, const void* bytes, int size, sqlite3_int64 offse
     return answer.code;
 }
 
-/// The file system may make more of it than it was asked for.
-int resize(File& file, int code) {
-    sqlite3_int64 size = 0;
-    if (file.disk->xFileSize(file.disk, &size) == SQLITE_OK) {
-        file.vfs.resized(file.name, size);
-    }
-    return code;
-}
-
 int truncateFile(sqlite3_file* truncated, sqlite3_int64 size) {
     File& file = of(truncated);
-    return ask(file.vfs, Call::Truncate, [&] { return resize(file, file.disk->xTruncate(file.disk, size)); });
+    return ask(file.vfs, Call::Truncate, [&] { return file.disk->xTruncate(file.disk, size); });
 }
 
 int syncFile(sqlite3_file* synced, int flags) {
     File& file = of(synced);
-    return ask(file.vfs, Call::Sync, [&] {
-        const int code = file.disk->xSync(file.disk, flags);
-        if (code == SQLITE_OK) {
-            file.vfs.synced(file.name);
-        }
-        if (code == SQLITE_OK && file.syncsFolder) {
-            file.vfs.folderSynced();
-            file.syncsFolder = false;
-        }
-        return code;
-    });
+    return ask(file.vfs, Call::Sync, [&] { return file.disk->xSync(file.disk, flags); });
 }
 
 int sizeOfFile(sqlite3_file* measured, sqlite3_int64* size) {
@@ -136,8 +109,7 @@ int testLock(sqlite3_file* tested, int* isLocked) {
 int controlFile(sqlite3_file* controlled, int operation, void* argument) {
     File& file = of(controlled);
     const auto carryOut = [&] { return file.disk->xFileControl(file.disk, operation, argument); };
-    return operation == SQLITE_FCNTL_SIZE_HINT ? ask(file.vfs, Call::Grow, [&] { return resize(file, carryOut()); })
-                                               : carryOut();
+    return operation == SQLITE_FCNTL_SIZE_HINT ? ask(file.vfs, Call::Grow, carryOut) : carryOut();
 }
 
 int sectorSize(sqlite3_file* file) {
@@ -183,33 +155,21 @@ Vfs& of(const sqlite3_vfs* vfs) {
 }
 
 int openFile(sqlite3_vfs* vfs, const char* name, sqlite3_file* memory, int flags, int* flagsGiven) {
-    constexpr int journals = SQLITE_OPEN_WAL | SQLITE_OPEN_MAIN_JOURNAL | SQLITE_OPEN_SUPER_JOURNAL;
     memory->pMethods = nullptr;
     return ask(of(vfs), Call::Open, [&] {
-        auto* const file = new (memory) File(of(vfs), name);
+        auto* const file = new (memory) File(of(vfs));
         const int code = below()->xOpen(below(), name, file->disk, flags, flagsGiven);
         if (code != SQLITE_OK) {
             file->~File();
             return code;
         }
         file->pMethods = &methods;
-        file->syncsFolder = (flags & SQLITE_OPEN_CREATE) != 0 && (flags & journals) != 0;
-        file->vfs.opened(file->name);
         return code;
     });
 }
 
 int removeFile(sqlite3_vfs* vfs, const char* name, int syncsFolder) {
-    return ask(of(vfs), Call::Delete, [&] {
-        const int code = below()->xDelete(below(), name, syncsFolder);
-        if (code == SQLITE_OK) {
-            of(vfs).removed(name);
-        }
-        if (code == SQLITE_OK && syncsFolder != 0) {
-            of(vfs).folderSynced();
-        }
-        return code;
-    });
+    return ask(of(vfs), Call::Delete, [&] { return below()->xDelete(below(), name, syncsFolder); });
 }
 
 int access(sqlite3_vfs* vfs, const char* name, int flags, int* result) {
@@ -237,18 +197,6 @@ Vfs::Vfs() : registered(*below()) {
 Vfs::~Vfs() {
     sqlite3_vfs_unregister(&registered);
 }
-
-void Vfs::opened(const std::string&) {}
-
-void Vfs::removed(const std::string&) {}
-
-void Vfs::written(const std::string&, std::int64_t, const std::string&) {}
-
-void Vfs::resized(const std::string&, std::int64_t) {}
-
-void Vfs::synced(const std::string&) {}
-
-void Vfs::folderSynced() {}
 
 std::string integrityOf(const std::filesystem::path& database) {
     try {

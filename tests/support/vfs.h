@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -35,7 +34,7 @@ struct Answer {
 };
 
 /// Stands between SQLite and the file system for as long as it lasts, for every file that is opened in that time. What
-/// derives from it says how calls end and is told what was carried out. For one thread.
+/// derives from it says how calls end. For one thread.
 class Vfs {
 public:
     Vfs();
@@ -44,14 +43,6 @@ public:
     virtual ~Vfs();
 
     virtual Answer answer(Call call) = 0;
-
-    /// @param file its full path, here and below
-    virtual void opened(const std::string& file);
-    virtual void removed(const std::string& file);
-    virtual void written(const std::string& file, std::int64_t offset, const std::string& bytes);
-    virtual void resized(const std::string& file, std::int64_t size);
-    virtual void synced(const std::string& file);
-    virtual void folderSynced();
 
 private:
     sqlite3_vfs registered;

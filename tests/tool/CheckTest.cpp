@@ -1,5 +1,7 @@
 #include "ToolFixture.h"
 
+#include <standalone/LogbookReader.h>
+
 namespace {
 
 using support::Outcome;
@@ -14,6 +16,11 @@ protected:
         return outcome.output;
     }
 
+    /// What is told of a file that was read.
+    static std::string about(const std::filesystem::path& file, const std::string& kept = "all entries") {
+        return "  - id " + standalone::LogbookReader(file).description().id + ", keeps " + kept + '\n';
+    }
+
     const std::string customer = customerFile().string();
     const std::string service = (folder / "lgbService.db").string();
 };
@@ -21,15 +28,15 @@ protected:
 TEST_F(Check, FindsBothLogbooksSound) {
     storeEvening();
     store("lgbService", std::vector<std::string>{freeText("Fan 2 replaced")});
-    EXPECT_EQ(output("check"),
-              customer + ": sound, 3 of 3 entries readable\n" + service + ": sound, 1 of 1 entry readable\n");
+    EXPECT_EQ(output("check"), customer + ": sound, 3 of 3 entries readable\n" + about(customer) + service +
+                                   ": sound, 1 of 1 entry readable\n" + about(service));
 }
 
 TEST_F(Check, LooksAtOneLogbookAlone) {
     storeEvening();
-    EXPECT_EQ(output("check customer"), customer + ": sound, 3 of 3 entries readable\n");
-    EXPECT_EQ(complaint(""),
-              customer + ": sound, 3 of 3 entries readable\n" + service + ": there is no such logbook\n");
+    const std::string sound = customer + ": sound, 3 of 3 entries readable\n" + about(customer);
+    EXPECT_EQ(output("check customer"), sound);
+    EXPECT_EQ(complaint(""), sound + service + ": there is no such logbook\n");
 }
 
 TEST_F(Check, NamesEachEntryThatIsNotShown) {
@@ -44,7 +51,8 @@ TEST_F(Check, NamesEachEntryThatIsNotShown) {
                   "  - entry 3, W63, is wordless: a parameter can't be read: Value is not convertible to UInt64.\n"
                   "  - entry 4 is unreadable: it holds a word that is not known\n"
                   "  - entry 5 is damaged\n"
-                  "  - entry 6 is unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n");
+                  "  - entry 6 is unreadable: not JSON: Line 1, Column 2: Missing '}' or object member name\n" +
+                  about(customer));
 }
 
 TEST_F(Check, GoesThroughThePagerOnATerminalAndTellsTheFaultBehindIt) {
@@ -54,7 +62,8 @@ TEST_F(Check, GoesThroughThePagerOnATerminalAndTellsTheFaultBehindIt) {
                   ": sound, 0 of 1 entry readable\n"
                   "|   - entry 1 is unreadable: not JSON: Line 1, Column 2: Missing '}' or object\n"
                   "|     member name\n"
-                  "tqzel-logbook: not everything is as it should be\n");
+                  "| " +
+                  about(customer) + "tqzel-logbook: not everything is as it should be\n");
 }
 
 TEST_F(Check, KeepsTheNameOfAFolderFromSteeringTheTerminal) {
@@ -64,7 +73,7 @@ TEST_F(Check, KeepsTheNameOfAFolderFromSteeringTheTerminal) {
 
 TEST_F(Check, NamesWhatIsDamagedInTheStructure) {
     storeEvening();
-    change("PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'cleared'");
+    change("PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'lost'");
     EXPECT_THAT(complaint("customer"), testing::AllOf(testing::StartsWith(customer + ": damaged\n  - "),
                                                       testing::HasSubstr("2nd reference to page 2")));
 }
@@ -73,7 +82,19 @@ TEST_F(Check, NamesAForeignFile) {
     support::write(customerFile(), "Dear diary");
     EXPECT_EQ(complaint("customer"), customer + ": file is not a database\n");
     support::write(customerFile(), "");
-    EXPECT_EQ(complaint("customer"), customer + ": an empty database, not a logbook\n");
+    EXPECT_EQ(complaint("customer"), customer + ": damaged: it is empty\n");
+}
+
+TEST_F(Check, TellsHowManyEntriesAreKeptWhichNumbersWereLostAndWhatWasSetAside) {
+    add("customer info 20");
+    add("customer info 101 --unit 7");
+    spoil("\"unit\":7");
+    const std::string aside = (folder / "lgbCustomer.damaged-1.db").string();
+    EXPECT_EQ(tool("add customer info 20").exitCode, 0);
+    const std::string printed = output("check customer");
+    EXPECT_THAT(printed, testing::StartsWith(customer + ": sound, 2 of 2 entries readable\n" +
+                                             about(customer, "the newest 500 entries") + "  - entry 2 lost, found 20"));
+    EXPECT_THAT(printed, testing::EndsWith("  - set aside when it was damaged: " + aside + '\n'));
 }
 
 }  // namespace

@@ -141,7 +141,11 @@ TEST_F(Exchange, ImportsNothingWhenItCanNotReadOn) {
 
 TEST_F(Exchange, TakesAnEmptyFileForALogbookNotYetMade) {
     support::write(customerFile(), "");
-    EXPECT_EQ(imported(line), "1 entry imported.\n");
+    const auto file = elsewhere / "lines";
+    support::write(file, line);
+    const support::Outcome outcome = tool("import customer " + file.string());
+    EXPECT_EQ(outcome.output, "1 entry imported.\n");
+    EXPECT_THAT(outcome.errors, testing::HasSubstr(": damaged: it is empty; healed with 0 records"));
 }
 
 TEST_F(Exchange, WritesBehindWhatAShellHasCollected) {

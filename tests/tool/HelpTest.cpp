@@ -56,8 +56,8 @@ protected:
         return outcome.output;
     }
 
-    const std::vector<std::string> commands{"show",   "stats",    "report",  "check",      "add", "clear", "export",
-                                            "import", "messages", "explain", "completion", "man", "help"};
+    const std::vector<std::string> commands{"show",   "stats",   "report",   "check",   "add",        "clear", "export",
+                                            "import", "salvage", "messages", "explain", "completion", "man",   "help"};
 };
 
 TEST_F(Help, TellsEveryCommandInOneLine) {
@@ -110,8 +110,8 @@ TEST_F(Help, IsACommandToo) {
     EXPECT_EQ(output("help clear"), help("clear"));
     EXPECT_EQ(output("help help"), help("help"));
     EXPECT_EQ(refusal("help nonsense"),
-              "command: \"nonsense\" is not one of show, stats, report, check, add, clear, export, import, messages, "
-              "explain, completion, man, help");
+              "command: \"nonsense\" is not one of show, stats, report, check, add, clear, resize, export, import, "
+              "salvage, messages, explain, completion, man, help");
 }
 
 TEST_F(Help, GroupsOptionsAndKeepsToALineOf100Columns) {
@@ -150,7 +150,7 @@ protected:
                         "tqzel-logbook add service error 79 --unit 1 &&"
                         "tqzel-logbook export customer --output customer.jsonl &&"
                         "tqzel-logbook export service --output service.jsonl &&"
-                        "mkdir copied && cp *.db copied")
+                        "mkdir copied && cp *.db copied && cp lgbCustomer.db lgbCustomer.damaged-1.db")
                       .exitCode,
                   0);
     }
@@ -377,9 +377,9 @@ TEST_F(Help, RefusesNumbersThatAreNotDecimal) {
 }
 
 TEST_F(Help, CompletesCommandsOptionsAndWordsInBash) {
-    EXPECT_EQ(completed("s"), "show stats\n");
+    EXPECT_EQ(completed("s"), "salvage show stats\n");
     EXPECT_EQ(completed("\"\""),
-              "add check clear completion explain export help import man messages report show stats\n");
+              "add check clear completion explain export help import man messages report resize salvage show stats\n");
     EXPECT_EQ(completed("show \"\""), "customer service\n");
     EXPECT_EQ(completed("add customer \"\""), "error info warning\n");
     EXPECT_EQ(completed("--folder here add cus"), "customer\n");

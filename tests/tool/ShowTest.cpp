@@ -1,3 +1,4 @@
+#include "Follower.h"
 #include "ToolFixture.h"
 
 #include <json/reader.h>
@@ -26,7 +27,7 @@ protected:
     }
 
     /// One entry of each kind that a logbook does not show.
-    void storeFlawed() const {
+    void storeUnshown() const {
         store("lgbCustomer", std::vector<std::string>{
                                  document("E", 14, R"({"bus":1,"module":3})"),
                                  freeText("Fan 2 replaced"),
@@ -34,6 +35,10 @@ protected:
                                  "{\"type\":\x1b",
                                  document("I", 20, ""),
                              });
+    }
+
+    void storeFlawed() const {
+        storeUnshown();
         change("UPDATE record SET json = 'spoilt' WHERE number = 5");
     }
 
@@ -376,36 +381,6 @@ TEST_F(Show, TellsWhatItLeavesOutBehindThePage) {
               headingsAlone + std::string("tqzel-logbook: not shown: 1 entry (wordless); --raw shows them\n"));
 }
 
-/// The tool following a logbook, ended with this object.
-class Follower {
-public:
-    explicit Follower(const std::string& command) {
-        const Outcome outcome =
-            support::run(command + " >" + (folder / "output").string() + " 2>&1 </dev/null & echo $!");
-        process = std::stoi(outcome.output);
-    }
-
-    Follower(const Follower&) = delete;
-    Follower& operator=(const Follower&) = delete;
-
-    ~Follower() { kill(process, SIGKILL); }
-
-    /// What it has printed, as soon as that is so long.
-    std::string printed(std::size_t length) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        std::string text;
-        while (text.size() < length && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            text = support::contentOf(folder / "output");
-        }
-        return text;
-    }
-
-private:
-    support::TemporaryFolder folder;
-    pid_t process;
-};
-
 TEST_F(Show, FollowsWhatOthersAdd) {
     storeEvening();
     std::string expected =
@@ -433,7 +408,7 @@ TEST_F(Show, FollowsWhatIsAddedAfterALongQuiet) {
 }
 
 TEST_F(Show, TellsWhatItLeavesOutWhileItFollows) {
-    storeFlawed();
+    storeUnshown();
     store("lgbCustomer", std::vector<lgb::DatabaseRecord>{{minute(5), document("I", 20, "")}});
     const std::string headings = "No.  Time                       Type     Description\n";
     std::string expected = headings + "  6  2026-11-21 19:05:00 +0100  Info     System restarted.\n";

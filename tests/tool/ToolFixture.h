@@ -80,6 +80,17 @@ protected:
         return tqbase2::system::JsonUtility::toJsonString(json);
     }
 
+    /// Damages a text of the customer logbook wherever it stands in its files.
+    void spoil(const std::string& text) const {
+        for (const std::string& file : {customerFile().string(), customerFile().string() + "-wal"}) {
+            std::string content = support::contentOf(file);
+            for (std::size_t at = content.find(text); at != std::string::npos; at = content.find(text, at + 1)) {
+                content[at] = static_cast<char>(content[at] ^ 1);
+            }
+            support::write(file, content);
+        }
+    }
+
     static std::string freeText(const std::string& text) { return document("I", 0, "", -1, -1, text); }
 
     static constexpr std::int64_t evening = 1795284000;  // 2026-11-21T18:00:00Z

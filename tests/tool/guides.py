@@ -53,7 +53,8 @@ def as_printed(text, reader):
     for block in blocks("sh").findall(text):
         for command in re.findall(r"^tqzel-logbook.*", block, re.MULTILINE):
             reader.type("timeout 2 " + command)  # to follow has no end
-    return blocks("console").sub(reader.session, text)
+    printed = blocks("console").sub(reader.session, text)
+    return re.sub(r"\bid [0-9a-f]{32}\b", "id 9b1d4c0e7a2f48d5b6c3e1f09a8d7c52", printed)  # drawn by lot
 
 
 def faults(guide, text, examples):

@@ -1,0 +1,53 @@
+#include "LogFindings.h"
+
+#include "schema.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+
+namespace standalone {
+
+namespace {
+
+bool mayHoldMore(const LogContent& log) {
+    return std::any_of(log.frames.begin(), log.frames.end(),
+                       [](const LogFrame& frame) { return frame.part != LogFrame::Part::Older; });
+}
+
+}  // namespace
+
+std::optional<std::string> LogFindings::damageOf(const Examination& logbook) const {
+    if (newestBehind > logbook.newest || cleared > logbook.head.cleared) {
+        return "damaged: its log is damaged, and tells of more behind that";
+    }
+    if (mark && mark->id == logbook.head.id && mark->newest > logbook.newest) {
+        return "damaged: it is older than when it was closed";
+    }
+    return std::nullopt;
+}
+
+bool isEmptied(const std::string& log) {
+    return !mayHoldMore(readLog(OpenFile(log, O_RDONLY), schema::pageBytes));
+}
+
+LogFindings lookThroughLog(const std::string& database, const std::string& log) {
+    if (!stateOf(log)) {
+        return {};
+    }
+    LogFindings findings;
+    const LogContent content = readLog(OpenFile(log, O_RDONLY), schema::pageBytes);
+    findings.mark = content.mark;
+    if (mayHoldMore(content)) {
+        const RecordScan scan(database, log, Extent::Log);
+        findings.isForeign = scan.isLogForeign();
+        findings.newestBehind = scan.newestIn(LogFrame::Part::Behind);
+        findings.cleared = scan.head() ? scan.head()->cleared : 0;
+        findings.cutOff = scan.recordsIn(LogFrame::Part::Open);
+        const std::vector<FoundRecord> torn = scan.recordsIn(LogFrame::Part::Older);  // whose frames lost their heads
+        findings.cutOff.insert(findings.cutOff.end(), torn.begin(), torn.end());
+    }
+    return findings;
+}
+
+}  // namespace standalone

@@ -1,0 +1,245 @@
+#include "LogbookFiles.h"
+
+#include "failures.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace standalone {
+
+namespace {
+
+constexpr mode_t forOwnerAndGroup = 0660;
+
+FileState stateFrom(const struct stat& status) {
+    constexpr std::int64_t blockBytes = 512;  // in which st_blocks counts
+    constexpr std::int64_t nanosecondsPerSecond = 1000000000;
+    return {status.st_dev, status.st_ino, status.st_size, status.st_blocks * blockBytes,
+            status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec};
+}
+
+void requireRegular(const std::string& file, const struct stat& status) {
+    if (!S_ISREG(status.st_mode)) {
+        throw DatabaseError(Failure::Foreign, file + ": is no regular file");
+    }
+}
+
+int opened(const std::string& file, int flags) {
+    const int descriptor = open(file.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, forOwnerAndGroup);
+    if (descriptor == -1) {
+        refuse(file, errno);
+    }
+    return descriptor;
+}
+
+std::string folderOf(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path();
+    return folder.empty() ? "." : folder;
+}
+
+}  // namespace
+
+LogbookFiles::LogbookFiles(std::string path)
+    : folder(folderOf(path)),
+      database(std::move(path)),
+      log(database + "-wal"),
+      index(database + "-shm"),
+      journal(database + "-journal"),
+      lock(database + "-lock"),
+      making(database + "-making"),
+      healed(database + "-healed") {}
+
+std::string pathForSqlite(const std::string& file) {
+    return file.rfind('/', 0) == 0 ? file : "./" + file;
+}
+
+std::optional<FileState> stateOf(const std::string& file) {
+    struct stat status {};
+
+    if (lstat(file.c_str(), &status) != 0) {
+        if (errno == ENOENT) {
+            return std::nullopt;
+        }
+        refuse(file, errno);
+    }
+    requireRegular(file, status);
+    return stateFrom(status);
+}
+
+void requireNotEmpty(const FileState& database) {
+    constexpr std::int64_t mostTakenForNone = 1;
+    if (database.bytes <= mostTakenForNone) {
+        throw Fault{Failure::Damaged, "damaged: it is empty"};
+    }
+}
+
+bool stillIs(const std::string& file, const FileState& state) noexcept {
+    struct stat status {};
+
+    return lstat(file.c_str(), &status) == 0 && status.st_ino == state.inode && status.st_dev == state.device;
+}
+
+void makeFolder(const std::string& folder) {
+    std::error_code error;
+    if (std::filesystem::is_directory(folder, error)) {
+        return;
+    }
+    const std::string parent = folderOf(folder);
+    if (parent != folder) {
+        makeFolder(parent);
+    }
+    constexpr mode_t all = 0777;
+    if (mkdir(folder.c_str(), all) != 0 && errno != EEXIST) {
+        const int reason = errno;
+        throw DatabaseError(failureOf(reason),
+                            folder + ": can't make the folder: " + std::generic_category().message(reason));
+    }
+    syncFolder(parent);
+}
+
+void syncFolder(const std::string& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor == -1) {
+        refuse(folder, errno);
+    }
+    const int error = fsync(descriptor) == 0 ? 0 : errno;
+    close(descriptor);
+    if (error != 0 && error != EINVAL) {  // a file system whose folders need none
+        refuse(folder, error);
+    }
+}
+
+void removeFile(const std::string& file) {
+    if (unlink(file.c_str()) != 0 && errno != ENOENT) {
+        refuse(file, errno);
+    }
+}
+
+void renameFile(const std::string& from, const std::string& to, bool replaces) {
+    int outcome = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), replaces ? 0 : RENAME_NOREPLACE);
+    if (outcome != 0 && !replaces && errno == EINVAL) {  // a file system that can't
+        outcome = rename(from.c_str(), to.c_str());
+    }
+    if (outcome != 0) {
+        refuse(to, errno);
+    }
+}
+
+OpenFile::OpenFile(std::string file, int flags) : name(std::move(file)), descriptor(opened(name, flags)) {
+    struct stat status {};
+
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(descriptor);
+        throw DatabaseError(Failure::Foreign, name + ": is no regular file");
+    }
+}
+
+OpenFile::~OpenFile() {
+    close(descriptor);
+}
+
+std::size_t OpenFile::read(std::int64_t offset, char* bytes, std::size_t count) const {
+    std::size_t all = 0;
+    while (all < count) {
+        const ssize_t got = pread(descriptor, bytes + all, count - all, offset + static_cast<std::int64_t>(all));
+        if (got == -1 && errno != EINTR) {
+            refuse(name, errno);
+        }
+        if (got == 0) {
+            break;
+        }
+        all += got > 0 ? static_cast<std::size_t>(got) : 0;
+    }
+    return all;
+}
+
+void OpenFile::write(std::int64_t offset, const char* bytes, std::size_t count) const {
+    for (std::size_t all = 0; all < count;) {
+        const ssize_t put = pwrite(descriptor, bytes + all, count - all, offset + static_cast<std::int64_t>(all));
+        if (put == -1 && errno != EINTR) {
+            refuse(name, errno);
+        }
+        all += put > 0 ? static_cast<std::size_t>(put) : 0;
+    }
+}
+
+bool OpenFile::allot(std::int64_t bytes, bool grows) const {
+    int outcome = -1;
+    do {
+        outcome = fallocate(descriptor, grows ? 0 : FALLOC_FL_KEEP_SIZE, 0, bytes);
+    } while (outcome != 0 && errno == EINTR);
+    if (outcome != 0 && errno != EOPNOTSUPP && errno != ENOSYS) {
+        refuse(name, errno);
+    }
+    return outcome == 0;
+}
+
+void OpenFile::empty() const {
+    if (ftruncate(descriptor, 0) != 0) {
+        refuse(name, errno);
+    }
+}
+
+void OpenFile::sync() const {
+    if (fsync(descriptor) != 0) {
+        refuse(name, errno);
+    }
+}
+
+FileState OpenFile::state() const {
+    struct stat status {};
+
+    if (fstat(descriptor, &status) != 0) {
+        refuse(name, errno);
+    }
+    return stateFrom(status);
+}
+
+void NamesLock::setSpaceAside() const {
+    constexpr std::int64_t indexBytes = 32 * 1024;
+    if (file->state().allotted < indexBytes) {
+        file->allot(indexBytes, true);
+    }
+}
+
+void NamesLock::trySetSpaceAside() const noexcept {
+    try {
+        setSpaceAside();
+    } catch (const std::exception&) {  // it is done without
+    }
+}
+
+bool NamesLock::giveSpaceBack() const {
+    const bool hadSome = file->state().allotted > 0;
+    file->empty();
+    return hadSome;
+}
+
+NamesLock::NamesLock(const LogbookFiles& files) {
+    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    while (!file || !stillIs(files.lock, file->state())) {  // whoever waited may hold what has lost its name meanwhile
+        file.emplace(files.lock, O_RDWR | O_CREAT);
+        while (flock(file->number(), LOCK_EX | LOCK_NB) != 0) {
+            if (errno != EWOULDBLOCK && errno != EINTR) {
+                refuse(files.lock, errno);
+            }
+            if (std::chrono::steady_clock::now() > deadline) {
+                throw DatabaseError(Failure::Busy, files.database + ": another process is opening or healing it");
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+}
+
+}  // namespace standalone

@@ -1,0 +1,37 @@
+#include "LostRanges.h"
+
+#include <algorithm>
+
+namespace standalone {
+
+std::int64_t LostRanges::before(std::int64_t newest, std::int64_t records) const {
+    std::int64_t number = newest;
+    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
+        if (range->last > number) {
+            continue;  // newer than all that counts
+        }
+        const std::int64_t newer = number - range->last;
+        if (records < newer) {
+            break;
+        }
+        records -= newer;
+        number = range->first - 1;
+    }
+    return number - records;
+}
+
+std::int64_t LostRanges::recordsBetween(std::int64_t oldest, std::int64_t newest) const {
+    std::int64_t records = newest - oldest + 1;
+    for (const LostRange& range : ranges) {
+        if (range.first >= oldest && range.last <= newest) {
+            records -= range.last - range.first + 1;
+        }
+    }
+    return records;
+}
+
+std::int64_t LostRanges::newest(std::int64_t newestRecord) const {
+    return ranges.empty() ? newestRecord : std::max(newestRecord, ranges.back().last);
+}
+
+}  // namespace standalone

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "LostRange.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace standalone {
+
+/// The gaps in the numbers of a logbook, oldest first. Records count up without any other.
+class LostRanges {
+public:
+    LostRanges() = default;
+
+    /// @param ascending ranges that don't touch one another
+    explicit LostRanges(std::vector<LostRange> ascending) : ranges(std::move(ascending)) {}
+
+    const std::vector<LostRange>& all() const { return ranges; }
+
+    /// The number of the record that stands so many records before that of number `newest`.
+    std::int64_t before(std::int64_t newest, std::int64_t records) const;
+
+    /// How many records there are from one number to another, both included.
+    std::int64_t recordsBetween(std::int64_t oldest, std::int64_t newest) const;
+
+    /// The newest number that was ever given out.
+    std::int64_t newest(std::int64_t newestRecord) const;
+
+private:
+    std::vector<LostRange> ranges;
+};
+
+}  // namespace standalone

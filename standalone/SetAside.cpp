@@ -1,0 +1,63 @@
+#include "SetAside.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+#include <system_error>
+
+namespace standalone {
+
+SetAside::SetAside(const LogbookFiles& files)
+    : folder(files.folder), beginning(std::filesystem::path(files.database).stem().string() + ".damaged-") {}
+
+std::string SetAside::next() const {
+    const std::vector<unsigned long> used = numbers();
+    return nameOf(used.empty() ? 1 : used.back() + 1);
+}
+
+std::vector<std::string> SetAside::all() const {
+    std::vector<std::string> databases;
+    for (const unsigned long number : numbers()) {
+        databases.push_back(nameOf(number));
+    }
+    return databases;
+}
+
+bool SetAside::removeOld(std::size_t kept) const {
+    std::vector<std::string> databases = all();
+    databases.resize(databases.size() - std::min(databases.size(), kept));
+    for (const std::string& database : databases) {
+        removeSet(database);
+    }
+    return !databases.empty();
+}
+
+/// Ascending, each once. By the C library: the standard one's iterator ends the program when there is no memory.
+std::vector<unsigned long> SetAside::numbers() const {
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), closedir);
+    std::vector<unsigned long> found;
+    while (const dirent* const entry = entries ? readdir(entries.get()) : nullptr) {
+        const std::string_view name = entry->d_name;
+        unsigned long number = 0;
+        const bool isOurs = name.substr(0, beginning.size()) == beginning;
+        if (isOurs &&
+            std::from_chars(name.data() + beginning.size(), name.data() + name.size(), number).ec == std::errc()) {
+            found.push_back(number);
+        }
+    }
+    std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    return found;
+}
+
+void removeSet(const std::string& database) {
+    for (const char* const end : {"", "-wal", "-shm"}) {
+        removeFile(database + end);
+    }
+}
+
+}  // namespace standalone

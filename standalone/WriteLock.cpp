@@ -1,0 +1,42 @@
+#include "WriteLock.h"
+
+#include "LogbookFiles.h"
+#include "failures.h"
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+namespace standalone {
+
+namespace {
+
+// Those of SQLite's locks on a log that a writer, somebody who writes back, and somebody who recovers it takes.
+constexpr int first = 0;
+constexpr int count = 3;
+
+}  // namespace
+
+WriteLock::WriteLock(const std::string& database)
+    : connection(pathForSqlite(database), SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW), file(connection.file()) {
+    constexpr int indexBytes = 32 * 1024;
+    volatile void* index = nullptr;
+    if (file->pMethods->xShmMap(file, 0, indexBytes, 1, &index) != SQLITE_OK) {
+        refuse(database, EIO);
+    }
+    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    while (file->pMethods->xShmLock(file, first, count, SQLITE_SHM_LOCK | SQLITE_SHM_EXCLUSIVE) != SQLITE_OK) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            file->pMethods->xShmUnmap(file, 0);
+            throw DatabaseError(Failure::Busy, database + ": in use by another process");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+WriteLock::~WriteLock() {
+    file->pMethods->xShmLock(file, first, count, SQLITE_SHM_UNLOCK | SQLITE_SHM_EXCLUSIVE);
+    file->pMethods->xShmUnmap(file, 0);
+}
+
+}  // namespace standalone

@@ -1,0 +1,87 @@
+#include "failures.h"
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+namespace standalone {
+
+namespace {
+
+struct Kind {
+    int code;
+    Failure failure;
+};
+
+constexpr std::array<Kind, 9> ofSystem = {{
+    {ENOSPC, Failure::Full},
+    {EDQUOT, Failure::Full},
+    {EFBIG, Failure::Full},
+    {EACCES, Failure::Denied},
+    {EPERM, Failure::Denied},
+    {EROFS, Failure::ReadOnly},
+    {ENOENT, Failure::Missing},
+    {ENOMEM, Failure::Memory},
+    {ELOOP, Failure::Foreign},
+}};
+
+// What isn't listed here is what damage leads to.
+constexpr std::array<Kind, 8> ofSqlite = {{
+    {SQLITE_BUSY, Failure::Busy},
+    {SQLITE_LOCKED, Failure::Busy},
+    {SQLITE_PROTOCOL, Failure::Busy},
+    {SQLITE_FULL, Failure::Full},
+    {SQLITE_READONLY, Failure::ReadOnly},
+    {SQLITE_NOMEM, Failure::Memory},
+    {SQLITE_PERM, Failure::Denied},
+    {SQLITE_AUTH, Failure::Denied},
+}};
+
+template <typename Kinds>
+Failure kindOf(int code, const Kinds& kinds, Failure otherwise) {
+    for (const Kind& kind : kinds) {
+        if (kind.code == code) {
+            return kind.failure;
+        }
+    }
+    return otherwise;
+}
+
+/// The system's error number behind what SQLite met, 0 when it was none.
+int systemErrorOf(int code, sqlite3* connection) {
+    const bool isOfSystem = code == SQLITE_IOERR || code == SQLITE_CANTOPEN;
+    return isOfSystem && connection != nullptr ? sqlite3_system_errno(connection) : 0;
+}
+
+}  // namespace
+
+Failure failureOf(int error) {
+    return kindOf(error, ofSystem, Failure::InputOutput);
+}
+
+Failure failureOf(const SqliteError& exception, sqlite3* connection) {
+    const int code = exception.outcome();
+    if (exception.extendedOutcome() == SQLITE_IOERR_NOMEM) {
+        return Failure::Memory;
+    }
+    if (code == SQLITE_IOERR || code == SQLITE_CANTOPEN) {
+        return failureOf(systemErrorOf(code, connection));
+    }
+    return kindOf(code, ofSqlite, Failure::Damaged);
+}
+
+void refuse(const std::string& file, int error) {
+    throw DatabaseError(failureOf(error), file + ": " + std::generic_category().message(error));
+}
+
+void refuse(const std::string& file, const Fault& fault) {
+    throw DatabaseError(fault.kind, file + ": " + fault.reason);
+}
+
+void refuse(const std::string& file, const SqliteError& exception, sqlite3* connection) {
+    const int error = systemErrorOf(exception.outcome(), connection);
+    const std::string reason = error == 0 ? "" : ": " + std::generic_category().message(error);
+    throw DatabaseError(failureOf(exception, connection), file + ": " + exception.what() + reason);
+}
+
+}  // namespace standalone

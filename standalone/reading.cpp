@@ -1,0 +1,133 @@
+#include "reading.h"
+
+#include "WriteAheadLog.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <string_view>
+#include <thread>
+
+namespace standalone {
+
+namespace {
+
+/// The file's name as a URI, without a host even if it begins with two slashes.
+std::string uriOf(const std::string& file) {
+    std::string uri = file.front() == '/' ? "file://" : "file:";
+    for (const char letter : file) {
+        const std::size_t special = std::string_view("%?#").find(letter);
+        uri += special == std::string_view::npos ? std::string(1, letter) : std::array{"%25", "%3f", "%23"}.at(special);
+    }
+    return uri;
+}
+
+bool holdsAnything(const std::string& log) {
+    std::array<char, LogMark::bytes> begin{};
+    const OpenFile file(log, O_RDONLY);
+    const std::size_t count = file.read(0, begin.data(), begin.size());
+    return count == begin.size() && !LogMark::fromBytes(begin) &&
+           std::any_of(begin.begin(), begin.end(), [](char byte) { return byte != 0; });
+}
+
+}  // namespace
+
+ReadingConnection::States ReadingConnection::statesOf(const LogbookFiles& files) {
+    return {stateOf(files.database), stateOf(files.log), stateOf(files.index)};
+}
+
+ReadingConnection::ReadingConnection(const LogbookFiles& names)
+    : files(names), before(statesOf(files)), connection(connect()) {
+    distrust(connection);
+}
+
+Connection ReadingConnection::connect() const {
+    if (!before[0]) {
+        throw DatabaseError(Failure::Missing, files.database + ": there is no such logbook");
+    }
+    requireNotEmpty(*before[0]);
+    const bool isInUse = before[2].has_value();
+    if (!isInUse && before[1] && holdsAnything(files.log)) {
+        if (!isStillRight()) {
+            throw Fault{Failure::Busy, "has just come into use"};
+        }
+        throw DatabaseError(Failure::Damaged, files.database + ": its newest records are in " + files.log +
+                                                  ", which can't be read without " + files.index);
+    }
+    try {
+        return Connection(uriOf(files.database) + (isInUse ? "?readonly_shm=1" : "?immutable=1"),
+                          SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOFOLLOW);
+    } catch (const SqliteError& exception) {
+        if (access(files.database.c_str(), R_OK) != 0) {
+            refuse(files.database, errno);
+        }
+        refuse(files.database, exception, nullptr);
+    }
+}
+
+const Examination& ReadingConnection::examination() {
+    if (!examined) {
+        examined = examineStructure(connection);
+    }
+    return *examined;
+}
+
+bool ReadingConnection::isStillRight() const noexcept {
+    try {
+        const States now = statesOf(files);
+        const bool isCopy = !before[2];
+        const auto isSame = [&](std::size_t file) {
+            return now[file].has_value() == before[file].has_value() &&
+                   (!now[file] || (now[file]->isSameFile(*before[file]) &&
+                                   (!isCopy || now[file]->modified == before[file]->modified)));
+        };
+        return isSame(0) && isSame(1) && isSame(2);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+void PatientReader::read(const std::function<void(ReadingConnection&)>& read) {
+    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    while (true) {
+        try {
+            if (!connection || !connection->isStillRight()) {
+                connection.reset();
+                connection = std::make_unique<ReadingConnection>(files);
+            }
+            read(*connection);
+            if (connection->isStillRight()) {
+                return;
+            }
+        } catch (const SqliteError& exception) {
+            refuseUnlessPassing(exception, std::chrono::steady_clock::now() > deadline);
+        } catch (const Fault& fault) {
+            refuseUnlessPassing(fault, std::chrono::steady_clock::now() > deadline);
+        }
+        connection.reset();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+void PatientReader::refuseUnlessPassing(const SqliteError& exception, bool isLate) const {
+    const int code = exception.outcome();
+    const bool mayPass = code == SQLITE_BUSY || code == SQLITE_LOCKED || code == SQLITE_PROTOCOL ||
+                         code == SQLITE_READONLY || code == SQLITE_CANTOPEN || !connection ||
+                         !connection->isStillRight();
+    if (!mayPass || isLate) {
+        refuse(files.database, exception, connection ? connection->database().handle() : nullptr);
+    }
+}
+
+void PatientReader::refuseUnlessPassing(const Fault& fault, bool isLate) const {
+    const bool mayPass = fault.kind == Failure::Busy || (connection && !connection->isStillRight());
+    if (!mayPass || isLate) {
+        refuse(files.database, fault);
+    }
+}
+
+}  // namespace standalone

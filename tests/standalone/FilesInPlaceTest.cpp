@@ -1,0 +1,183 @@
+// What happens to the files of a logbook while it is in use, by the hands of others.
+
+#include "SqliteLogbook.h"
+
+#include <standalone/LogbookReader.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using standalone::Failure;
+using standalone::LogbookReader;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+/// Numbers 1 to 10 are in it, 11 and on are added after something happened to its files.
+class LogbookInUse : public SqliteLogbook {
+protected:
+    LogbookInUse() { addNumbers(*database, 1, 10); }
+
+    void removeFiles() const {
+        for (const auto& each : {file, log, index}) {
+            std::filesystem::remove(each);
+        }
+    }
+
+    std::string line(const std::string& what) const { return "error libTqZelPlatform: " + file.string() + what; }
+
+    const std::string deleted = ": was deleted or replaced while in use; recording goes on in what is there now\n";
+
+    const std::unique_ptr<lgb::IDatabase> database = open(100);
+};
+
+TEST_F(LogbookInUse, IsMadeAnewWhenItsFolderIsDeleted) {
+    std::filesystem::remove_all(folder.path());
+    EXPECT_THAT(toldBy([this] { addNumbers(*database, 11, 12); }), EndsWith(line(deleted)));
+    EXPECT_EQ(stored(), countingDown(12, 11));
+}
+
+TEST_F(LogbookInUse, IsMadeAnewWhenItsFilesAreDeleted) {
+    removeFiles();
+    EXPECT_THAT(toldBy([this] { addNumbers(*database, 11, 12); }), EndsWith(line(deleted)));
+    EXPECT_EQ(textsIn(*database), countingDown(12, 11));
+    EXPECT_EQ(stored(), countingDown(12, 11));
+}
+
+TEST_F(LogbookInUse, IsMadeAnewForAPageToo) {
+    removeFiles();
+    EXPECT_EQ(database->count(), 0u);
+    EXPECT_EQ(textsIn(*database), Texts{});
+    EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+TEST_F(LogbookInUse, GoesOnInWhatAnotherPutInItsPlace) {
+    const support::TemporaryFolder elsewhere;
+    const standalone::SqliteDatabaseFactory other(elsewhere.path());
+    add(*other.create("lgbTest", 0, 0), "of another");
+    std::filesystem::rename(elsewhere / "lgbTest.db", file);
+    EXPECT_THAT(toldBy([this] { add(*database, "11"); }), HasSubstr(line(deleted)));
+    EXPECT_EQ(stored(), (Texts{"11", "of another"}));
+}
+
+TEST_F(LogbookInUse, ClearsNothingThatAnotherPutInItsPlace) {
+    const support::TemporaryFolder elsewhere;
+    const standalone::SqliteDatabaseFactory other(elsewhere.path());
+    add(*other.create("lgbTest", 0, 0), "of another");
+    removeFiles();
+    std::filesystem::rename(elsewhere / "lgbTest.db", file);
+    EXPECT_EQ(textsIn(*database), Texts{"of another"});
+}
+
+TEST_F(LogbookInUse, KeepsItsRecordsWhenItsLogIsDeleted) {
+    std::filesystem::remove(log);
+    std::filesystem::remove(index);
+    EXPECT_THAT(toldBy([this] { add(*database, "11"); }),
+                HasSubstr(line(": its log was deleted or replaced while in use; recording goes on in what is there "
+                               "now\n")));
+    EXPECT_EQ(stored(), countingDown(11, 1));
+}
+
+TEST_F(LogbookInUse, KeepsItsRecordsWhenItsIndexIsDeleted) {
+    std::filesystem::remove(index);
+    add(*database, "11");
+    EXPECT_EQ(stored(), countingDown(11, 1));
+}
+
+TEST_F(LogbookInUse, KeepsItsRecordsWhenItsFolderIsMoved) {
+    const std::string moved = folder.path().string() + "-moved";
+    std::filesystem::rename(folder.path(), moved);
+    add(*database, "11");
+    EXPECT_EQ(stored(), Texts{"11"});
+    EXPECT_EQ(LogbookReader(moved + "/lgbTest.db").count(), 10);
+    std::filesystem::remove_all(moved);
+}
+
+TEST_F(LogbookInUse, KeepsWhatItHasBeyondAnOlderCopyThatIsPutBack) {
+    const support::TemporaryFolder backup;
+    std::filesystem::copy_file(file, backup / "lgbTest.db");
+    addNumbers(*database, 11, 20);
+    removeFiles();
+    std::filesystem::copy_file(backup / "lgbTest.db", file);
+    add(*database, "21");
+    EXPECT_EQ(stored(), countingDown(21, 1));
+}
+
+TEST_F(LogbookInUse, IsFollowedByAReader) {
+    LogbookReader reader(file);
+    const std::string before = reader.description().id;
+    removeFiles();
+    addNumbers(*database, 11, 12);
+    EXPECT_EQ(reader.count(), 2);
+    EXPECT_NE(reader.description().id, before);
+}
+
+/// It is closed when something happens to its files.
+using ClosedLogbook = SqliteLogbook;
+
+TEST_F(ClosedLogbook, IsHealedFromItsLogWhenItIsOlderThanWhenItWasClosed) {
+    addNumbers(*open(), 1, 10);
+    const std::string older = support::contentOf(file);
+    addNumbers(*open(), 11, 20);
+    support::write(file, older);
+    EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("error libTqZelPlatform: " + file.string() +
+                                                      ": damaged: it is older than when it was closed; healed with 20 "
+                                                      "records, the damaged files are kept as "));
+    EXPECT_EQ(stored(), countingDown(20, 1));
+}
+
+TEST_F(ClosedLogbook, NamesWhatAnOlderCopyLacks) {
+    addNumbers(*open(), 1, 10);
+    const std::string older = support::contentOf(file);
+    addNumbers(*open(), 11, 500);
+    support::write(file, older);
+    EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("; lost: "));
+    add(*open(), "501");
+    EXPECT_EQ(stored().front(), "501");
+    EXPECT_EQ(LogbookReader(file).before(INT64_MAX, 1)[0].number, 501);
+}
+
+TEST_F(ClosedLogbook, TellsThatItsLogIsMissing) {
+    addNumbers(*open(), 1, 10);
+    std::filesystem::remove(log);
+    std::filesystem::remove(index);
+    EXPECT_THAT(toldBy([this] { open(); }),
+                HasSubstr("warning libTqZelPlatform: " + log.string() +
+                          ": is missing; if the logbook was not closed, the newest records are gone\n"));
+    EXPECT_EQ(stored(), countingDown(10, 1));
+}
+
+TEST_F(ClosedLogbook, TellsThatItsLogWasDeletedWhenItWasNotClosed) {
+    const pid_t writer = fork();
+    if (writer == 0) {
+        addNumbers(*open().release(), 1, 10);
+        _exit(0);
+    }
+    waitpid(writer, nullptr, 0);
+    std::filesystem::remove(log);
+    EXPECT_THAT(toldBy([this] { open(); }),
+                HasSubstr("error libTqZelPlatform: " + log.string() +
+                          ": was deleted; the newest records are gone unless the logbook had been closed\n"));
+    add(*open(), "11");
+    EXPECT_EQ(stored().front(), "11");
+}
+
+TEST_F(ClosedLogbook, SaysNothingWhenNothingHappened) {
+    EXPECT_EQ(toldBy([this] {
+                  addNumbers(*open(), 1, 10);
+                  addNumbers(*open(), 11, 20);
+                  open()->clear();
+                  open();
+              }),
+              "");
+}
+
+TEST_F(ClosedLogbook, IsMadeInAFolderWithALogThatWasLeft) {
+    addNumbers(*open(), 1, 10);
+    std::filesystem::remove(file);
+    add(*open(), "a");
+    EXPECT_EQ(stored(), Texts{"a"});
+}
+
+}  // namespace

@@ -1,0 +1,409 @@
+// What damage does to a logbook, and what is left of it.
+
+#include "SqliteLogbook.h"
+
+#include <standalone/LogbookReader.h>
+#include <standalone/Salvage.h>
+
+#include <SQLiteCpp/Database.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace {
+
+using standalone::Failure;
+using standalone::LogbookReader;
+using standalone::LostRange;
+using standalone::Salvage;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+using Range = std::pair<std::int64_t, std::int64_t>;
+
+std::vector<Range> rangesOf(const std::vector<LostRange>& lost) {
+    std::vector<Range> ranges;
+    for (const LostRange& range : lost) {
+        ranges.emplace_back(range.first, range.last);
+    }
+    return ranges;
+}
+
+class DamagedLogbook : public SqliteLogbook {
+protected:
+    static constexpr std::size_t pageBytes = 1024;
+
+    /// Turns a bit of a text wherever it stands, in the file and in the log.
+    void spoil(const std::string& text) const {
+        for (const std::filesystem::path& damaged : {file, log}) {
+            std::string content = support::contentOf(damaged);
+            for (std::size_t at = content.find(text); at != std::string::npos; at = content.find(text, at + 1)) {
+                content[at] = static_cast<char>(content[at] ^ 1);
+            }
+            support::write(damaged, content);
+        }
+    }
+
+    void overwritePage(std::size_t page, char byte) const {
+        std::string content = support::contentOf(file);
+        content.replace((page - 1) * pageBytes, pageBytes, std::string(pageBytes, byte));
+        support::write(file, content);
+    }
+
+    /// Records with the texts "record 1 of the logbook" and so on.
+    static void addTexts(lgb::IDatabase& database, int first, int last) {
+        for (int number = first; number <= last; ++number) {
+            add(database, text(number));
+        }
+    }
+
+    static std::string text(int number) { return "record " + std::to_string(number) + " of the logbook"; }
+
+    static Texts textsDown(int from, int to) {
+        Texts texts;
+        for (int number = from; number >= to; --number) {
+            texts.push_back(text(number));
+        }
+        return texts;
+    }
+
+    /// As a writer leaves it that is killed.
+    void addAndBeKilled(int first, int last) const {
+        const pid_t writer = fork();
+        if (writer == 0) {
+            const auto database = open();
+            addTexts(*database, first, last);
+            _exit(0);
+        }
+        waitpid(writer, nullptr, 0);
+    }
+
+    std::vector<Range> lost() const { return rangesOf(LogbookReader(file).description().lost); }
+
+    std::string id() const { return LogbookReader(file).description().id; }
+
+    std::string aside(int number, const std::string& end = "") const {
+        return (folder / ("lgbTest.damaged-" + std::to_string(number) + ".db" + end)).string();
+    }
+};
+
+TEST_F(DamagedLogbook, IsHealedWhenItIsOpenedAndTellsWhatIsLost) {
+    addTexts(*open(), 1, 40);
+    const std::string before = id();
+    spoil(text(17));
+    EXPECT_THAT(toldBy([this] { open(); }),
+                HasSubstr("error libTqZelPlatform: " + file.string() +
+                          ": damaged: record 17; healed with 39 records, the damaged files are kept as " + aside(1) +
+                          "; lost: 17\n"));
+    Texts expected = textsDown(40, 1);
+    expected.erase(std::find(expected.begin(), expected.end(), text(17)));
+    EXPECT_EQ(stored(), expected);
+    EXPECT_THAT(lost(), ElementsAre(Range(17, 17)));
+    EXPECT_EQ(id(), before);
+}
+
+TEST_F(DamagedLogbook, GoesOnWithItsNumbers) {
+    addTexts(*open(), 1, 40);
+    spoil(text(40));
+    add(*open(), "the next");
+    const auto records = LogbookReader(file).before(INT64_MAX, 2);
+    EXPECT_EQ(records[0].content.json, "the next");
+    EXPECT_GT(records[0].number, 40);
+    EXPECT_EQ(records[1].number, 39);
+}
+
+TEST_F(DamagedLogbook, IsHealedInUse) {
+    const auto database = open();
+    addTexts(*database, 1, 10);
+    execute("UPDATE record SET json = 'other' WHERE number = 4");
+    spoil(text(4));
+    const std::string told = toldBy([&] { EXPECT_EQ(database->fetch(0, 100).size(), 9u); });
+    EXPECT_THAT(told, HasSubstr("; healed with 9 records"));
+    add(*database, "the next");
+    EXPECT_EQ(database->count(), 10u);
+    EXPECT_EQ(stored().front(), "the next");
+}
+
+TEST_F(DamagedLogbook, KeepsPagesAndCountsRightOverLostNumbers) {
+    addTexts(*open(), 1, 40);
+    for (const int number : {5, 6, 7, 20, 33}) {
+        spoil(text(number));
+    }
+    const auto database = open();
+    EXPECT_THAT(lost(), ElementsAre(Range(5, 7), Range(20, 20), Range(33, 33)));
+    EXPECT_EQ(database->count(), 35u);
+    const Texts all = textsIn(*database);
+    for (unsigned int offset = 0; offset <= 36; ++offset) {
+        for (unsigned int count = 0; count <= 36; ++count) {
+            Texts page;
+            for (const lgb::DatabaseRecord& record : database->fetch(offset, count)) {
+                page.push_back(record.json);
+            }
+            const auto begin = all.begin() + std::min<std::ptrdiff_t>(offset, 35);
+            EXPECT_EQ(page, Texts(begin, begin + std::min<std::ptrdiff_t>(count, all.end() - begin)));
+        }
+    }
+}
+
+TEST_F(DamagedLogbook, DropsTheOldestByCountOverLostNumbers) {
+    addTexts(*open(10), 1, 20);
+    spoil(text(15));
+    const auto database = open(10);
+    EXPECT_EQ(database->count(), 9u);
+    addTexts(*database, 21, 24);
+    EXPECT_EQ(database->count(), 10u);
+    EXPECT_EQ(stored().back(), text(14));
+    addTexts(*database, 25, 30);
+    EXPECT_EQ(stored(), textsDown(30, 21));
+    EXPECT_THAT(lost(), ElementsAre());
+}
+
+TEST_F(DamagedLogbook, FindsRecordsWithoutThePagesThatLeadToThem) {
+    addTexts(*open(), 1, 40);
+    for (std::size_t page = 1; page <= 5; ++page) {
+        overwritePage(page, '\0');
+    }
+    factory().create("lgbTest", 0, 7);
+    EXPECT_EQ(stored(), textsDown(40, 1));
+    EXPECT_EQ(LogbookReader(file).description().capacity, 40u) << "nothing tells of the one before";
+}
+
+TEST_F(DamagedLogbook, FindsRecordsInPagesOfWhichSomeAreGone) {
+    const std::string large(5000, 'x');
+    add(*open(), large + "1");
+    addTexts(*open(), 2, 3);
+    add(*open(), large + "4");
+    overwritePage(4, '\xff');
+    EXPECT_EQ(stored(), (Texts{large + "4", text(3), text(2), large + "1"}));
+}
+
+TEST_F(DamagedLogbook, BringsNothingBackThatWasClearedOrDropped) {
+    {
+        const auto database = open(5);
+        addTexts(*database, 1, 8);
+        database->clear();
+        addTexts(*database, 9, 20);
+    }
+    overwritePage(2, '\xff');
+    EXPECT_EQ(stored(), textsDown(20, 16));
+}
+
+TEST_F(DamagedLogbook, StaysEmptyWhenItWasCleared) {
+    addTexts(*open(), 1, 8);
+    open()->clear();
+    overwritePage(2, '\xff');
+    EXPECT_EQ(stored(), Texts{});
+    add(*open(), "the next");
+    EXPECT_EQ(LogbookReader(file).after(0, 1)[0].number, 9);
+}
+
+TEST_F(DamagedLogbook, TakesNoTextForARecord) {
+    addTexts(*open(), 1, 3);
+    const std::string content = support::contentOf(file);
+    add(*open(), content);  // a logbook within a record
+    addTexts(*open(), 5, 6);
+    overwritePage(1, '\0');
+    EXPECT_EQ(stored(), (Texts{text(6), text(5), content, text(3), text(2), text(1)}));
+}
+
+TEST_F(DamagedLogbook, TakesNoRecordOfAnotherLogbook) {
+    addTexts(*open(), 1, 20);
+    const std::string other = support::contentOf(file);
+    std::filesystem::remove_all(folder.path());
+    addNumbers(*open(), 1, 20);
+    std::string content = support::contentOf(file);
+    constexpr std::size_t pageOfRecords = 5;
+    content.replace(pageOfRecords * pageBytes, pageBytes, other, pageOfRecords * pageBytes, pageBytes);
+    support::write(file, content);
+    const Texts all = countingDown(20, 1);
+    for (const std::string& record : stored()) {
+        EXPECT_NE(std::find(all.begin(), all.end(), record), all.end()) << record;
+    }
+}
+
+TEST_F(DamagedLogbook, OfNoBytesIsMadeAnew) {
+    support::write(file, "");
+    addNumbers(*open(3), 1, 5);
+    EXPECT_EQ(stored(), countingDown(5, 3));
+}
+
+TEST_F(DamagedLogbook, CutShortKeepsWhatIsLeft) {
+    addTexts(*open(), 1, 40);
+    std::filesystem::resize_file(file, 6 * pageBytes);
+    const Texts left = stored();
+    EXPECT_GT(left.size(), 0u);
+    EXPECT_TRUE(std::includes(left.rbegin(), left.rend(), left.rbegin(), left.rend()));
+    add(*open(), "the next");
+    EXPECT_EQ(stored().front(), "the next");
+}
+
+TEST_F(DamagedLogbook, BringsBackRecordsBehindABreakInTheLog) {
+    addAndBeKilled(1, 12);
+    spoil(text(5));
+    const std::string told = toldBy([this] { open(); });
+    const Texts left = stored();
+    EXPECT_EQ(left.front(), text(12));
+    EXPECT_GE(left.size(), 11u);
+    EXPECT_THAT(told, HasSubstr(file.string() + ": damaged: its log is damaged, and tells of more behind that; "
+                                                "healed with 11 records"));
+}
+
+TEST_F(DamagedLogbook, SetsALogOfAnotherLogbookAside) {
+    addAndBeKilled(1, 12);
+    const std::string foreign = support::contentOf(log);
+    std::filesystem::remove_all(folder.path());
+    addNumbers(*open(), 1, 5);
+    support::write(log, foreign);
+    EXPECT_THAT(toldBy([this] { open(); }),
+                HasSubstr(log.string() + ": is the log of another logbook, and kept as " + aside(1, "-wal") + "\n"));
+    EXPECT_EQ(stored(), countingDown(5, 1));
+    EXPECT_EQ(support::contentOf(aside(1, "-wal")), foreign);
+}
+
+TEST_F(DamagedLogbook, KeepsTheNewestTwoSetsOfDamagedFiles) {
+    addTexts(*open(), 1, 9);
+    for (const int number : {2, 4, 6}) {
+        spoil(text(number));
+        open();
+    }
+    EXPECT_THAT(standalone::filesSetAside(file), ElementsAre(aside(2), aside(3)));
+    EXPECT_EQ(Salvage(aside(2)).numbers().size(), 7u);
+}
+
+TEST_F(DamagedLogbook, LeavesTheOtherLogbookAlone) {
+    addTexts(*open(), 1, 9);
+    factory().create("lgbOther", 0, 0)->add("other", {});
+    const std::string other = support::contentOf(folder / "lgbOther.db");
+    spoil(text(4));
+    open();
+    EXPECT_EQ(support::contentOf(folder / "lgbOther.db"), other);
+}
+
+TEST_F(DamagedLogbook, IsNotHealedByReading) {
+    addTexts(*open(), 1, 9);
+    spoil(text(4));
+    const auto before = support::filesOf(folder.path());
+    EXPECT_EQ(LogbookReader(file).count(), 9);
+    EXPECT_EQ(Salvage(file).numbers().size(), 8u);
+    EXPECT_TRUE(support::filesOf(folder.path()) == before);
+}
+
+TEST_F(DamagedLogbook, LeavesDamagedRecordsOutWhereItCanNotBeHealed) {
+    addTexts(*open(), 1, 9);
+    spoil(text(4));
+    std::filesystem::create_directories(aside(1));  // where the damaged file is to go
+    std::filesystem::create_directories(aside(1) + "-wal/x");
+    std::filesystem::create_directory(file.string() + "-making");
+    std::filesystem::create_directory(file.string() + "-making/x");
+    const auto refused = refusal();
+    std::filesystem::remove_all(file.string() + "-making");
+    std::filesystem::remove_all(aside(1));
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(stored().size(), 8u);
+}
+
+TEST_F(DamagedLogbook, HasItsRecordsSalvagedWithTheirNumbers) {
+    addTexts(*open(10), 1, 30);
+    spoil(text(25));
+    std::vector<std::int64_t> looked;
+    std::int64_t all = 0;
+    const Salvage salvage(file, [&](std::int64_t done, std::int64_t total) {
+        looked.push_back(done);
+        all = total;
+    });
+    EXPECT_THAT(salvage.numbers(), ElementsAre(21, 22, 23, 24, 26, 27, 28, 29, 30));
+    EXPECT_THAT(rangesOf(salvage.missing()), ElementsAre(Range(25, 25)));
+    EXPECT_EQ(salvage.record(26).value().json, text(26));
+    EXPECT_FALSE(salvage.removed().empty());
+    EXPECT_LT(salvage.removed().back(), 21);
+    EXPECT_TRUE(std::is_sorted(looked.begin(), looked.end()));
+    EXPECT_EQ(looked.back(), all);
+}
+
+TEST_F(DamagedLogbook, IsRefusedForSalvageWhenNothingOfItIsALogbook) {
+    support::write(file, std::string(5000, 'x'));
+    EXPECT_EQ(refusalOf([this] { const Salvage salvage(file); }),
+              (Refusal{Failure::Foreign, file.string() + ": nothing in it is of a logbook"}));
+    EXPECT_EQ(refusalOf([this] { const Salvage salvage(folder / "none.db"); }),
+              (Refusal{Failure::Missing, (folder / "none.db").string() + ": there is no such file"}));
+}
+
+/// What may change in a record without changing the structure of the file.
+struct Change {
+    std::string name;
+    std::string assignment;
+};
+
+class ChangedRecord : public DamagedLogbook, public testing::WithParamInterface<Change> {};
+
+TEST_P(ChangedRecord, IsNotTakenForTheOneThatWasStored) {
+    addTexts(*open(), 1, 3);
+    execute("UPDATE record SET " + GetParam().assignment + " WHERE number = 2");
+    const Texts found = stored();
+    EXPECT_TRUE(found == textsDown(3, 1) || found == (Texts{text(3), text(1)})) << testing::PrintToString(found);
+    add(*open(), "4");
+    EXPECT_EQ(stored().front(), "4");
+}
+
+INSTANTIATE_TEST_SUITE_P(SqliteDatabase, ChangedRecord,
+                         testing::Values(Change{"InItsSeconds", "seconds = 1"},
+                                         Change{"InItsNanoseconds", "nanoseconds = 1"},
+                                         Change{"InItsTime", "time = 'x'"}, Change{"InItsText", "json = '3'"},
+                                         Change{"InABitMovedBetweenTexts", "time = json, json = ''"},
+                                         Change{"InItsChecksum", "checksum = checksum + 1"}),
+                         [](const auto& change) { return change.param.name; });
+
+TEST_F(DamagedLogbook, TellsEqualRecordsApartByTheirNumber) {
+    const auto database = open();
+    add(*database, "same");
+    add(*database, "same");
+    execute("UPDATE record SET checksum = (SELECT checksum FROM record WHERE number = 1) WHERE number = 2");
+    LogbookReader reader(file);
+    EXPECT_FALSE(reader.before(INT64_MAX, 1)[0].intact);
+}
+
+/// A contradiction within a file that SQLite finds sound.
+struct Contradiction {
+    std::string name;
+    std::string sql;
+};
+
+class ContradictoryFile : public DamagedLogbook, public testing::WithParamInterface<Contradiction> {};
+
+TEST_P(ContradictoryFile, IsHealedWithTheSameRecords) {
+    addTexts(*open(), 1, 5);
+    execute(GetParam().sql);
+    EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("; healed with "));
+    const Texts all = textsDown(5, 1);
+    for (const std::string& record : stored()) {
+        EXPECT_NE(std::find(all.begin(), all.end(), record), all.end()) << record;
+    }
+    add(*open(), "the next");
+    EXPECT_EQ(stored().front(), "the next");
+    EXPECT_EQ(toldBy([this] { open(); }), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    SqliteDatabase, ContradictoryFile,
+    testing::Values(Contradiction{"ThatLacksARecord", "DELETE FROM record WHERE number = 3"},
+                    Contradiction{"WithARecordThatWasCleared", "UPDATE logbook SET cleared = 1"},
+                    Contradiction{"WithoutAHead", "DELETE FROM logbook"},
+                    Contradiction{"WithTwoHeads", "INSERT INTO logbook SELECT id, 7, cleared, checksum FROM logbook"},
+                    Contradiction{"WithAShortId", "UPDATE logbook SET id = x'00'"},
+                    Contradiction{"WithANumberBelowOne", "UPDATE record SET number = -1 WHERE number = 1"},
+                    Contradiction{"WithTheHighestNumber",
+                                  "UPDATE record SET number = 9223372036854775807 WHERE number = 5"},
+                    Contradiction{"WithLostNumbersThatAreThere", "INSERT INTO lost VALUES (2, 3, 0)"},
+                    Contradiction{"WithLostNumbersOutOfOrder", "INSERT INTO lost VALUES (8, 7, 0)"},
+                    Contradiction{"WithAnotherVersion", "PRAGMA user_version = 7"},
+                    Contradiction{"WithAnotherApplication", "PRAGMA application_id = 7"},
+                    Contradiction{"WithATableTooMany", "CREATE TABLE more (id INTEGER)"},
+                    Contradiction{"WithATrigger",
+                                  "CREATE TRIGGER evil BEFORE INSERT ON record BEGIN DELETE FROM "
+                                  "record; END"},
+                    Contradiction{"WithOtherColumns", "ALTER TABLE record RENAME COLUMN seconds TO minutes"}),
+    [](const auto& contradiction) { return contradiction.param.name; });
+
+}  // namespace
