@@ -6,9 +6,9 @@ SqliteError::SqliteError(sqlite3* connection, int outcome)
     : std::runtime_error(connection == nullptr ? sqlite3_errstr(outcome) : sqlite3_errmsg(connection)),
       extended(connection == nullptr ? outcome : sqlite3_extended_errcode(connection)) {}
 
-Connection::Connection(const std::string& name, int flags) {
+Connection::Connection(const std::string& database, int flags) {
     sqlite3* opened = nullptr;
-    const int outcome = sqlite3_open_v2(name.c_str(), &opened, flags, nullptr);
+    const int outcome = sqlite3_open_v2(database.c_str(), &opened, flags, nullptr);
     connection.reset(opened);
     if (outcome != SQLITE_OK) {
         throw SqliteError(opened, outcome);

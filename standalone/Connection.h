@@ -28,7 +28,7 @@ class Connection {
 public:
     /// @param flags as of sqlite3_open_v2
     /// @throws SqliteError, as the others do
-    Connection(const std::string& file, int flags);
+    Connection(const std::string& database, int flags);
 
     sqlite3* handle() const { return connection.get(); }
 

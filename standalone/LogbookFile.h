@@ -51,7 +51,7 @@ public:
     void limitToSpace();
 
     /// By how much it grows at least when it needs more space than was set aside.
-    static constexpr std::size_t growthBytes = 64 * 1024;
+    static constexpr std::size_t growthBytes = std::size_t{64} * 1024;
 
     /// Has the disk keep more for the database. Not within a transaction.
     /// @return whether it does

@@ -207,7 +207,7 @@ FileState OpenFile::state() const {
 }
 
 void NamesLock::setSpaceAside() const {
-    constexpr std::int64_t indexBytes = 32 * 1024;
+    constexpr std::int64_t indexBytes = std::int64_t{32} * 1024;
     if (file->state().allotted < indexBytes) {
         file->allot(indexBytes, true);
     }

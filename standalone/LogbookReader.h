@@ -52,6 +52,7 @@ public:
     /// How many records the file holds, those that are not intact included.
     std::int64_t count();
 
+    /// What the file says of itself.
     LogbookDescription description();
 
 private:

@@ -23,7 +23,7 @@ namespace {
 // A record as the library makes it takes 200 to 300 bytes, and the oldest and newest pages are not full.
 constexpr std::int64_t bytesPerRecord = 400;
 constexpr std::int64_t blockBytes = 4096;
-constexpr std::int64_t leastBytes = 64 * 1024;
+constexpr std::int64_t leastBytes = std::int64_t{64} * 1024;
 
 void fillWithZeros(const OpenFile& file, std::int64_t from, std::int64_t to) {
     const std::vector<char> zeros(static_cast<std::size_t>(blockBytes));
@@ -47,7 +47,8 @@ std::int64_t spaceFor(std::int64_t capacity) {
     return std::max(leastBytes, blocks * blockBytes);
 }
 
-NewFile::NewFile(std::string path, const LogbookHead& its, const LostRanges& lost) : file(std::move(path)), head(its) {
+NewFile::NewFile(std::string path, const LogbookHead& itsHead, const LostRanges& lost)
+    : file(std::move(path)), head(itsHead) {
     removeFile(file);
     const OpenFile forOwnerAndGroup(file, O_RDWR | O_CREAT | O_EXCL);
     attempt([&] {

@@ -20,7 +20,7 @@ std::int64_t spaceFor(std::int64_t capacity);
 class NewFile {
 public:
     /// @throws DatabaseError, as the others do
-    NewFile(std::string path, const LogbookHead& head, const LostRanges& lost);
+    NewFile(std::string path, const LogbookHead& itsHead, const LostRanges& lost);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile();

@@ -89,7 +89,7 @@ public:
 
 private:
     bool readFrame() {
-        const std::int64_t offset = static_cast<std::int64_t>(headerBytes + content.frames.size() * frame.size());
+        const auto offset = static_cast<std::int64_t>(headerBytes + content.frames.size() * frame.size());
         const std::size_t there = log.read(offset, frame.data(), frame.size());
         if (there <= frameHeaderBytes) {
             return false;

@@ -20,7 +20,7 @@ struct LogMark {
     using Bytes = std::array<char, bytes>;
 
     Bytes toBytes() const;
-    static std::optional<LogMark> fromBytes(const Bytes& bytes);
+    static std::optional<LogMark> fromBytes(const Bytes& all);
 };
 
 /// A page as it was when it was written to a log.

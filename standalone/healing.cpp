@@ -33,7 +33,7 @@ namespace standalone {
 
 namespace {
 
-constexpr std::size_t copiedAtOnce = 64 * 1024;
+constexpr std::size_t copiedAtOnce = std::size_t{64} * 1024;
 
 template <typename Source>
 void copyBytes(const Source& source, const std::string& to) {

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 namespace standalone {
 
@@ -40,8 +41,8 @@ ReadingConnection::States ReadingConnection::statesOf(const LogbookFiles& files)
     return {stateOf(files.database), stateOf(files.log), stateOf(files.index)};
 }
 
-ReadingConnection::ReadingConnection(const LogbookFiles& names)
-    : files(names), before(statesOf(files)), connection(connect()) {
+ReadingConnection::ReadingConnection(LogbookFiles names)
+    : files(std::move(names)), before(statesOf(files)), connection(connect()) {
     distrust(connection);
 }
 

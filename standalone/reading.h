@@ -18,7 +18,7 @@ namespace standalone {
 class ReadingConnection {
 public:
     /// @throws DatabaseError naming the file, also when there is none
-    explicit ReadingConnection(const LogbookFiles& names);
+    explicit ReadingConnection(LogbookFiles names);
 
     Connection& database() { return connection; }
 

@@ -350,7 +350,7 @@ struct Shared {
     std::size_t next = 0;  // to be done
     Figures figures;
     std::size_t textBytes = 0;
-    std::array<char, 64 * 1024> text{};
+    std::array<char, std::size_t{64} * 1024> text{};
 
     void fail(const std::string& what) {
         ++figures.failures;
@@ -646,7 +646,7 @@ void tryCase(const State& state, const Case& happens, std::uint32_t seed, const 
     Random random(seed);
     std::string description = "seed " + std::to_string(seed);
     if (support::oneIn(random, 8)) {
-        files.index = support::oneIn(random, 2) ? state.sources.older.index : std::string(32 * 1024, '\xa5');
+        files.index = support::oneIn(random, 2) ? state.sources.older.index : std::string(std::size_t{32} * 1024, '\xa5');
         description += ", a strange index";
     }
     for (const Damage& damage : happens) {

@@ -315,7 +315,7 @@ void use(const support::Place& place, std::int64_t last, bool isAlone, Random& r
             }
         }
         if (times == 0 && oneIn(random, 3)) {
-            open.release();  // ends without closing it
+            static_cast<void>(open.release());  // ends without closing it
         } else {
             leave(std::move(open));
         }
@@ -536,7 +536,7 @@ private:
             if (fate == 1) {
                 file->second = before;
             } else if (fate == 2) {
-                file->second.resize(32 * 1024);
+                file->second.resize(std::size_t{32} * 1024);
                 std::generate(file->second.begin(), file->second.end(), [&] { return static_cast<char>(random()); });
             }
         }

@@ -173,14 +173,14 @@ Seen lookForDamage(const std::filesystem::path& folder) {
     return seen;
 }
 
-struct Reader {
+struct WayToRead {
     const char* name;
     Seen (*read)(const std::filesystem::path& folder);
     bool tellsNumbers;
 };
 
 // clang-format off
-constexpr Reader readers[] = {
+constexpr WayToRead readers[] = {
     {"show --all",          show,          true},
     {"before",              readBackwards, true},
     {"check",               check,         false},
@@ -200,7 +200,7 @@ bool hasRecords(const Shared& shared, std::int64_t added, std::int64_t clears) {
 }
 
 /// Reads once and holds what is seen against what was known before.
-void readOnce(const Reader& reader, const std::filesystem::path& folder, const Shared& shared, Failures& failures) {
+void readOnce(const WayToRead& reader, const std::filesystem::path& folder, const Shared& shared, Failures& failures) {
     const std::string where = std::string(reader.name) + ": ";
     const std::int64_t added = shared.added;
     const std::int64_t clears = shared.clears;

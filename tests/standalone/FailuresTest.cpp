@@ -104,7 +104,7 @@ TEST_F(LogbookOnItsOwnMedium, IsNotMadeWhereNothingCanBeWritten) {
 }
 
 TEST_F(LogbookOnItsOwnMedium, IsRefusedOnAFullDiskThatHasNoRoomForIt) {
-    support::write(folder / "filler", std::string(4 * 1024 * 1024, 'x'));
+    support::write(folder / "filler", std::string(std::size_t{4} * 1024 * 1024, 'x'));
     EXPECT_EQ(refusal()->first, Failure::Full);
     std::filesystem::remove(folder / "filler");
     add(*open(), "a");

@@ -27,7 +27,7 @@ using testing::ThrowsMessage;
 constexpr std::int64_t newest = std::numeric_limits<std::int64_t>::max();
 
 /// The logbook of each test is lgbTest.db in a folder of its own.
-class Reader : public testing::Test {
+class ReadLogbook : public testing::Test {
 protected:
     std::unique_ptr<lgb::IDatabase> open() const {
         return SqliteDatabaseFactory(folder.path()).create("lgbTest", 0, 3);
@@ -71,7 +71,7 @@ protected:
     const std::filesystem::path file = folder / "lgbTest.db";
 };
 
-TEST_F(Reader, ReadsBelowANumberNewestFirst) {
+TEST_F(ReadLogbook, ReadsBelowANumberNewestFirst) {
     addAndClose(1, 5);
     LogbookReader reader(file);
     EXPECT_THAT(texts(reader.before(newest, 10)), ElementsAre("5", "4", "3"));
@@ -79,21 +79,21 @@ TEST_F(Reader, ReadsBelowANumberNewestFirst) {
     EXPECT_EQ(reader.count(), 3);
 }
 
-TEST_F(Reader, ReadsAboveANumberOldestFirst) {
+TEST_F(ReadLogbook, ReadsAboveANumberOldestFirst) {
     addAndClose(1, 5);
     LogbookReader reader(file);
     EXPECT_THAT(texts(reader.after(0, 10)), ElementsAre("3", "4", "5"));
     EXPECT_THAT(texts(reader.after(3, 1)), ElementsAre("4"));
 }
 
-TEST_F(Reader, TellsWhenTheRecordBeforeWasMade) {
+TEST_F(ReadLogbook, TellsWhenTheRecordBeforeWasMade) {
     addAndClose(1, 5);
     const std::vector<StoredRecord> records = LogbookReader(file).after(0, 10);
     EXPECT_EQ(records[0].secondsBefore, std::nullopt);  // dropped
     EXPECT_EQ(records[1].secondsBefore, 180);
 }
 
-TEST_F(Reader, MarksARecordThatIsNotIntact) {
+TEST_F(ReadLogbook, MarksARecordThatIsNotIntact) {
     addAndClose(1, 3);
     support::execute(file, "UPDATE record SET json = '7' WHERE number = 2");
     const std::vector<StoredRecord> records = LogbookReader(file).after(0, 10);
@@ -102,7 +102,7 @@ TEST_F(Reader, MarksARecordThatIsNotIntact) {
     EXPECT_TRUE(records[2].intact);
 }
 
-TEST_F(Reader, SeesWhatOthersAddMeanwhile) {
+TEST_F(ReadLogbook, SeesWhatOthersAddMeanwhile) {
     const auto database = open();
     add(*database, 1, 1);
     LogbookReader reader(file);
@@ -111,7 +111,7 @@ TEST_F(Reader, SeesWhatOthersAddMeanwhile) {
     EXPECT_THAT(texts(reader.before(newest, 10)), ElementsAre("2", "1"));
 }
 
-TEST_F(Reader, LeavesALogbookInUseAsItIs) {
+TEST_F(ReadLogbook, LeavesALogbookInUseAsItIs) {
     const auto database = open();
     add(*database, 1, 5);
     const auto unmarked = [](Files files) {
@@ -123,14 +123,14 @@ TEST_F(Reader, LeavesALogbookInUseAsItIs) {
     EXPECT_TRUE(unmarked(files()) == before);
 }
 
-TEST_F(Reader, LeavesAClosedLogbookAsItIs) {
+TEST_F(ReadLogbook, LeavesAClosedLogbookAsItIs) {
     addAndClose(1, 5);
     const Files before = files();
     EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("5", "4", "3"));
     EXPECT_TRUE(files() == before);
 }
 
-TEST_F(Reader, MakesNoFileBesideACopy) {
+TEST_F(ReadLogbook, MakesNoFileBesideACopy) {
     addAndClose(1, 5);
     const support::TemporaryFolder elsewhere;
     const std::filesystem::path copy = elsewhere / "50%?#.db";
@@ -139,7 +139,7 @@ TEST_F(Reader, MakesNoFileBesideACopy) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(elsewhere.path()), {}), 1);
 }
 
-TEST_F(Reader, ReadsACopyTakenWhileTheLogbookWasInUse) {
+TEST_F(ReadLogbook, ReadsACopyTakenWhileTheLogbookWasInUse) {
     const auto database = open();
     add(*database, 1, 5);
     const support::TemporaryFolder elsewhere;
@@ -147,7 +147,7 @@ TEST_F(Reader, ReadsACopyTakenWhileTheLogbookWasInUse) {
     EXPECT_THAT(texts(LogbookReader(elsewhere / "lgbTest.db").before(newest, 10)), ElementsAre("5", "4", "3"));
 }
 
-TEST_F(Reader, RefusesACopyThatLacksWhatItsNewestRecordsNeed) {
+TEST_F(ReadLogbook, RefusesACopyThatLacksWhatItsNewestRecordsNeed) {
     const auto database = open();
     add(*database, 1, 5);
     const support::TemporaryFolder elsewhere;
@@ -158,7 +158,7 @@ TEST_F(Reader, RefusesACopyThatLacksWhatItsNewestRecordsNeed) {
               copy + ": its newest records are in " + copy + "-wal, which can't be read without " + copy + "-shm");
 }
 
-TEST_F(Reader, RefusesByNameWhatIsNoLogbook) {
+TEST_F(ReadLogbook, RefusesByNameWhatIsNoLogbook) {
     EXPECT_EQ(refusal(), file.string() + ": there is no such logbook");
     support::write(file, "");
     EXPECT_EQ(refusal(), file.string() + ": damaged: it is empty");
@@ -166,7 +166,7 @@ TEST_F(Reader, RefusesByNameWhatIsNoLogbook) {
     EXPECT_EQ(refusal(), file.string() + ": file is not a database");
 }
 
-TEST_F(Reader, RefusesALogbookWhoseLogCanNotBeRead) {
+TEST_F(ReadLogbook, RefusesALogbookWhoseLogCanNotBeRead) {
     addAndClose(1, 3);
     std::filesystem::remove(file.string() + "-wal");
     std::filesystem::remove(file.string() + "-shm");
@@ -178,13 +178,13 @@ TEST_F(Reader, RefusesALogbookWhoseLogCanNotBeRead) {
     EXPECT_EQ(refusal(), log + ": is no regular file");
 }
 
-TEST_F(Reader, RefusesATableThatIsAnother) {
+TEST_F(ReadLogbook, RefusesATableThatIsAnother) {
     addAndClose(1, 3);
     support::execute(file, "ALTER TABLE record RENAME COLUMN seconds TO minutes");
     EXPECT_EQ(refusal(), file.string() + ": damaged: its tables are not those of a logbook");
 }
 
-TEST_F(Reader, NamesTheFileWhenItCanNotReadOn) {
+TEST_F(ReadLogbook, NamesTheFileWhenItCanNotReadOn) {
     const auto database = open();
     add(*database, 1, 3);
     LogbookReader reader(file);
@@ -194,29 +194,29 @@ TEST_F(Reader, NamesTheFileWhenItCanNotReadOn) {
     EXPECT_THAT([&] { reader.count(); }, ThrowsMessage<standalone::DatabaseError>(refused));
 }
 
-TEST_F(Reader, RefusesANameThatNoFileCanHave) {
+TEST_F(ReadLogbook, RefusesANameThatNoFileCanHave) {
     const std::string longest(300, 'x');
     EXPECT_EQ(refusalOf(longest), longest + ": File name too long");
 }
 
-TEST_F(Reader, ReadsAFolderWhoseNameBeginsWithTwoSlashes) {
+TEST_F(ReadLogbook, ReadsAFolderWhoseNameBeginsWithTwoSlashes) {
     addAndClose(1, 3);
     EXPECT_EQ(LogbookReader('/' + file.string()).count(), 3);
 }
 
-TEST_F(Reader, NamesWhatIsDamagedInTheStructure) {
+TEST_F(ReadLogbook, NamesWhatIsDamagedInTheStructure) {
     addAndClose(1, 3);
     EXPECT_THAT(standalone::structuralDamage(file), ElementsAre());
     support::execute(file, "PRAGMA writable_schema = 1; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'lost'");
     EXPECT_THAT(standalone::structuralDamage(file), Contains(testing::HasSubstr("2nd reference to page 2")));
 }
 
-TEST_F(Reader, ReadsWhatWasAddedAtOnce) {
+TEST_F(ReadLogbook, ReadsWhatWasAddedAtOnce) {
     SqliteDatabaseFactory(folder.path()).addAll("lgbTest", 3, {{{}, "1"}, {{}, "2"}, {{}, "3"}, {{}, "4"}});
     EXPECT_THAT(texts(LogbookReader(file).before(newest, 10)), ElementsAre("4", "3", "2"));
 }
 
-TEST_F(Reader, IsToldHowManyOlderRecordsMadeRoom) {
+TEST_F(ReadLogbook, IsToldHowManyOlderRecordsMadeRoom) {
     const SqliteDatabaseFactory factory(folder.path());
     EXPECT_EQ(factory.addAll("lgbTest", 3, {{{}, "1"}, {{}, "2"}}), 0);
     EXPECT_EQ(factory.addAll("lgbTest", 3, {{{}, "3"}, {{}, "4"}}), 1);

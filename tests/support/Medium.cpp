@@ -258,7 +258,7 @@ template <typename NamesOf, typename ContentOf>
 void Medium::collect(const Node& folder, const std::string& path, Tree& tree, const NamesOf& namesOf,
                      const ContentOf& contentOf) {
     for (const auto& [name, node] : namesOf(folder)) {
-        const std::string below = path.empty() ? name : path + '/' + name;
+        const std::string below = (std::filesystem::path(path) / name).string();
         if (node->isFolder) {
             tree.folders.insert(below);
             collect(*node, below, tree, namesOf, contentOf);

@@ -288,6 +288,8 @@ void note(std::int32_t what, std::int64_t number) {
 extern "C" {
 
 #pragma GCC visibility push(default)
+// The C library's own names of parameters are no words.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 
 using support::Event;
 
@@ -439,6 +441,7 @@ int renameat2(int fromFolder, const char* from, int toFolder, const char* to, un
     return support::renamed(from, to, [&] { return call(fromFolder, from, toFolder, to, flags); });
 }
 
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 #pragma GCC visibility pop
 
 }  // extern "C"
