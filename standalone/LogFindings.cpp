@@ -43,9 +43,9 @@ LogFindings lookThroughLog(const std::string& database, const std::string& log) 
         findings.isForeign = scan.isLogForeign();
         findings.newestBehind = scan.newestIn(LogFrame::Part::Behind);
         findings.cleared = scan.head() ? scan.head()->cleared : 0;
-        findings.cutOff = scan.recordsIn(LogFrame::Part::Open);
-        const std::vector<FoundRecord> torn = scan.recordsIn(LogFrame::Part::Older);  // whose frames lost their heads
-        findings.cutOff.insert(findings.cutOff.end(), torn.begin(), torn.end());
+        // A frame that lost its head looks older than it is.
+        const bool isOpen = scan.newestIn(LogFrame::Part::Open) > scan.newestIn(LogFrame::Part::Older);
+        findings.cutOff = scan.recordsBesideNewest(isOpen ? LogFrame::Part::Open : LogFrame::Part::Older);
     }
     return findings;
 }

@@ -18,7 +18,7 @@ struct LogFindings {
     bool isForeign = false;           ///< of another logbook
     std::int64_t newestBehind = 0;    ///< number of a record that SQLite does not see
     std::int64_t cleared = 0;         ///< as the log has it, seen by SQLite or not
-    std::vector<FoundRecord> cutOff;  ///< records of a transaction whose end is missing
+    std::vector<FoundRecord> cutOff;  ///< records in a frame of a transaction that is torn, the newest of all
 
     /// What is wrong, if the log tells of more than the logbook shows.
     std::optional<std::string> damageOf(const Examination& logbook) const;

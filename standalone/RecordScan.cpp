@@ -246,11 +246,12 @@ std::vector<std::int64_t> RecordScan::numbers() const {
     return all;
 }
 
-std::vector<FoundRecord> RecordScan::recordsIn(LogFrame::Part part) const {
+std::vector<FoundRecord> RecordScan::recordsBesideNewest(LogFrame::Part part) const {
     std::vector<FoundRecord> all;
-    for (const auto& [number, candidate] : records) {
-        if (pages.isIn(part, candidate.image)) {
-            if (auto record = read(candidate)) {
+    const auto newest = records.find(newestIn(part));
+    for (auto one = records.begin(); newest != records.end() && one != records.end(); ++one) {
+        if (one->second.image == newest->second.image) {
+            if (auto record = read(one->second)) {
                 all.push_back(std::move(*record));
             }
         }

@@ -50,14 +50,14 @@ public:
     /// The numbers of all whole records, also of those that were dropped or cleared, ascending.
     std::vector<std::int64_t> numbers() const;
 
-    /// The records whose newest copy stands in such a part of the log, and still does: others may be writing to it.
-    std::vector<FoundRecord> recordsIn(LogFrame::Part part) const;
-
     /// Whether SQLite would see records in the log, and all of them of another logbook.
     bool isLogForeign() const;
 
-    /// The highest number of those.
+    /// The highest number of a record whose newest copy stands in such a part of the log; 0: there is none.
     std::int64_t newestIn(LogFrame::Part part) const;
+
+    /// That record and those that stand in the same frame, ascending.
+    std::vector<FoundRecord> recordsBesideNewest(LogFrame::Part part) const;
 
     /// @return nothing, when somebody has written over it since it was found
     std::optional<FoundRecord> record(std::int64_t number) const;

@@ -302,10 +302,12 @@ void SqliteDatabase::settle(const std::vector<FoundRecord>& cutOff) {
     if (leftId != session->id) {
         records.clear();
     }
-    const std::int64_t newest = session->numbers().newest;
-    const auto isNew = [&](const FoundRecord& record) { return record.number > newest; };
-    if (std::count_if(cutOff.begin(), cutOff.end(), isNew) == 1) {
-        std::copy_if(cutOff.begin(), cutOff.end(), std::back_inserter(records), isNew);
+    std::int64_t next = session->numbers().newest + 1;
+    for (const FoundRecord& record : cutOff) {
+        if (record.number == next) {
+            records.push_back(record);
+            ++next;
+        }
     }
     if (records.empty()) {
         return;

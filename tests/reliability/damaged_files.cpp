@@ -646,7 +646,8 @@ void tryCase(const State& state, const Case& happens, std::uint32_t seed, const 
     Random random(seed);
     std::string description = "seed " + std::to_string(seed);
     if (support::oneIn(random, 8)) {
-        files.index = support::oneIn(random, 2) ? state.sources.older.index : std::string(std::size_t{32} * 1024, '\xa5');
+        files.index =
+            support::oneIn(random, 2) ? state.sources.older.index : std::string(std::size_t{32} * 1024, '\xa5');
         description += ", a strange index";
     }
     for (const Damage& damage : happens) {
