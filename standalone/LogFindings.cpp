@@ -41,6 +41,9 @@ LogFindings lookThroughLog(const std::string& database, const std::string& log) 
     if (mayHoldMore(content)) {
         const RecordScan scan(database, log, Extent::Log);
         findings.isForeign = scan.isLogForeign();
+        findings.isTorn = std::any_of(content.frames.begin(), content.frames.end(), [](const LogFrame& frame) {
+            return frame.part == LogFrame::Part::Open || frame.part == LogFrame::Part::Behind;
+        });
         findings.newestBehind = scan.newestIn(LogFrame::Part::Behind);
         findings.cleared = scan.head() ? scan.head()->cleared : 0;
         // A frame that lost its head looks older than it is.

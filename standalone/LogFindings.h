@@ -16,6 +16,7 @@ namespace standalone {
 struct LogFindings {
     std::optional<LogMark> mark;      ///< of an emptied one
     bool isForeign = false;           ///< of another logbook
+    bool isTorn = false;              ///< something is behind what SQLite sees
     std::int64_t newestBehind = 0;    ///< number of a record that SQLite does not see
     std::int64_t cleared = 0;         ///< as the log has it, seen by SQLite or not
     std::vector<FoundRecord> cutOff;  ///< records in a frame of a transaction that is torn, the newest of all

@@ -17,7 +17,6 @@
 #include <cerrno>
 #include <memory>
 #include <optional>
-#include <thread>
 #include <utility>
 
 namespace standalone {
@@ -62,15 +61,10 @@ FileState openedState(const std::string& file) {
 
 int LogbookFile::Patience::wait(void* patience, int times) {
     auto& own = *static_cast<Patience*>(patience);
-    const auto now = std::chrono::steady_clock::now();
     if (times == 0) {
-        own.end = now + own.most;
+        own.waiting = Waiting(own.most);
     }
-    if (now >= own.end) {
-        return 0;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return 1;
+    return own.waiting.goesOn() ? 1 : 0;
 }
 
 LogbookFile::LogbookFile(const LogbookFiles& names, const WantedCapacity& wanted, const LogFindings& found)
@@ -90,7 +84,8 @@ LogbookFile::LogbookFile(const LogbookFiles& names, const WantedCapacity& wanted
 
 LogbookFile::~LogbookFile() {
     if (sound && isInPlace()) {
-        empty();
+        patience.most = closingTimeout;
+        emptyLog();
     }
 }
 
@@ -135,14 +130,13 @@ void LogbookFile::begin() {
 /// Two bytes of the header say how a file is written; a journal for changing them would be left behind by a kill.
 void LogbookFile::useLog() {
     sqlite3_file* const file = connection.file();
-    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    const Waiting waiting;
     for (const int lock : {SQLITE_LOCK_SHARED, SQLITE_LOCK_RESERVED, SQLITE_LOCK_EXCLUSIVE}) {
         while (file->pMethods->xLock(file, lock) != SQLITE_OK) {
-            if (std::chrono::steady_clock::now() > deadline) {
+            if (!waiting.goesOn()) {
                 file->pMethods->xUnlock(file, SQLITE_LOCK_NONE);
                 throw Fault{Failure::Busy, "database is locked"};
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
     constexpr sqlite3_int64 versionsAt = 18;
@@ -204,7 +198,7 @@ bool LogbookFile::takeSpace(std::int64_t bytes) {
     constexpr int lock = SQLITE_SHM_LOCK | SQLITE_SHM_EXCLUSIVE;
     sqlite3_file* const file = connection.file();
     TransactionStatements statements(connection, TransactionStatements::writing);
-    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    const Waiting waiting;
     while (true) {
         {
             const Transaction nobodyElseWrites(statements);
@@ -219,10 +213,9 @@ bool LogbookFile::takeSpace(std::int64_t bytes) {
                 return limitedTo > before;
             }
         }
-        if (std::chrono::steady_clock::now() > deadline) {
+        if (!waiting.goesOn()) {
             throw Fault{Failure::Busy, "database is locked"};
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }
 
@@ -260,8 +253,7 @@ void LogbookFile::makeRoomInLog() noexcept {
     sqlite3_wal_checkpoint_v2(connection.handle(), "main", SQLITE_CHECKPOINT_RESTART, nullptr, nullptr);
 }
 
-void LogbookFile::empty() noexcept {
-    patience.most = closingTimeout;
+void LogbookFile::emptyLog() noexcept {
     log->markWith({content.head.id, newest});
     sqlite3_wal_checkpoint_v2(connection.handle(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
 }
@@ -303,7 +295,7 @@ OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted
     try {
         auto file = std::make_unique<LogbookFile>(files, wanted, log);
         if (file->isSound()) {
-            return {std::move(file), std::move(log.cutOff)};
+            return {std::move(file), std::move(log.cutOff), log.isTorn};
         }
         isUsable = true;
     } catch (const DatabaseError& damage) {
@@ -320,7 +312,7 @@ OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted
         report(Level::Error,
                std::string(trouble.what()) + "; the logbook can't be healed, and damaged records are left out");
     }
-    return {std::make_unique<LogbookFile>(files, wanted, LogFindings()), {}};
+    return {std::make_unique<LogbookFile>(files, wanted, LogFindings()), {}, false};
 }
 
 /// On a disk that is too full for it there would be a logbook that can't be opened, or not again.

@@ -4,6 +4,7 @@
 #include "KeptLog.h"
 #include "LogFindings.h"
 #include "LogbookFiles.h"
+#include "Waiting.h"
 #include "WantedCapacity.h"
 #include "examine.h"
 
@@ -64,14 +65,17 @@ public:
     /// Writes as much of the log back as its readers allow, who are waited for, which makes room in the log.
     void makeRoomInLog() noexcept;
 
+    /// Writes the log back, and marks it as empty, as far as its readers allow, who are waited for.
+    void emptyLog() noexcept;
+
     /// The newest number given out, as far as this object knows: what an emptied log is marked with.
     void noteNewest(std::int64_t number) { newest = number; }
 
 private:
-    /// How long SQLite is to wait for a lock, in short steps: long ones starve beside somebody who adds without pause.
+    /// How long SQLite is to wait for a lock.
     struct Patience {
         std::chrono::milliseconds most = lockTimeout;
-        std::chrono::steady_clock::time_point end;
+        Waiting waiting;
 
         static int wait(void* patience, int times);
     };
@@ -82,7 +86,6 @@ private:
     void setLogSpaceAside();
     bool takeSpace(std::int64_t bytes);
     void growTo(const WantedCapacity& wanted);
-    void empty() noexcept;
 
     LogbookFiles files;
     Patience patience;
@@ -102,6 +105,7 @@ private:
 struct OpenedLogbook {
     std::unique_ptr<LogbookFile> file;
     std::vector<FoundRecord> cutOff;  ///< what its log held of a transaction whose end is missing
+    bool isTorn;                      ///< whether its log holds anything behind what SQLite sees
 };
 
 /// Opens a logbook; makes it when there is none, and heals it when it is damaged.

@@ -1,5 +1,6 @@
 #include "LogbookFiles.h"
 
+#include "Waiting.h"
 #include "failures.h"
 
 #include <fcntl.h>
@@ -13,7 +14,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace standalone {
@@ -227,17 +227,16 @@ bool NamesLock::giveSpaceBack() const {
 }
 
 NamesLock::NamesLock(const LogbookFiles& files) {
-    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    const Waiting waiting;
     while (!file || !stillIs(files.lock, file->state())) {  // whoever waited may hold what has lost its name meanwhile
         file.emplace(files.lock, O_RDWR | O_CREAT);
         while (flock(file->number(), LOCK_EX | LOCK_NB) != 0) {
             if (errno != EWOULDBLOCK && errno != EINTR) {
                 refuse(files.lock, errno);
             }
-            if (std::chrono::steady_clock::now() > deadline) {
+            if (!waiting.goesOn()) {
                 throw DatabaseError(Failure::Busy, files.database + ": another process is opening or healing it");
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
 }

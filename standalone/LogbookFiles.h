@@ -2,15 +2,11 @@
 
 #include <sys/types.h>
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace standalone {
-
-/// How long a lock of another process is waited for.
-inline constexpr std::chrono::milliseconds lockTimeout(5000);
 
 /// The names of what belongs to one logbook in its folder.
 struct LogbookFiles {

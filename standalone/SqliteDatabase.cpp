@@ -277,6 +277,10 @@ void SqliteDatabase::open(Access access) {
         OpenedLogbook opened = openLogbook(files, wanted);
         session = std::make_unique<Session>(std::move(opened.file));
         settle(opened.cutOff);
+        if (opened.isTorn) {  // what is torn would look committed behind frames to come
+            session->file->noteNewest(session->numbers().newest);
+            session->file->emptyLog();
+        }
     } catch (const DatabaseError& refusal) {
         if (access == Access::Writing || refusal.kind() != Failure::ReadOnly || !stateOf(files.database)) {
             throw;

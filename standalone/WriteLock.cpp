@@ -1,11 +1,10 @@
 #include "WriteLock.h"
 
 #include "LogbookFiles.h"
+#include "Waiting.h"
 #include "failures.h"
 
 #include <cerrno>
-#include <chrono>
-#include <thread>
 
 namespace standalone {
 
@@ -24,13 +23,12 @@ WriteLock::WriteLock(const std::string& database)
     if (file->pMethods->xShmMap(file, 0, indexBytes, 1, &index) != SQLITE_OK) {
         refuse(database, EIO);
     }
-    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    const Waiting waiting;
     while (file->pMethods->xShmLock(file, first, count, SQLITE_SHM_LOCK | SQLITE_SHM_EXCLUSIVE) != SQLITE_OK) {
-        if (std::chrono::steady_clock::now() > deadline) {
+        if (!waiting.goesOn()) {
             file->pMethods->xShmUnmap(file, 0);
             throw DatabaseError(Failure::Busy, database + ": in use by another process");
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }
 

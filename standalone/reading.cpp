@@ -1,5 +1,6 @@
 #include "reading.h"
 
+#include "Waiting.h"
 #include "WriteAheadLog.h"
 
 #include <fcntl.h>
@@ -8,9 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 namespace standalone {
@@ -93,7 +92,7 @@ bool ReadingConnection::isStillRight() const noexcept {
 }
 
 void PatientReader::read(const std::function<void(ReadingConnection&)>& read) {
-    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    const Waiting waiting;
     while (true) {
         try {
             if (!connection || !connection->isStillRight()) {
@@ -105,12 +104,12 @@ void PatientReader::read(const std::function<void(ReadingConnection&)>& read) {
                 return;
             }
         } catch (const SqliteError& exception) {
-            refuseUnlessPassing(exception, std::chrono::steady_clock::now() > deadline);
+            refuseUnlessPassing(exception, waiting.isOver());
         } catch (const Fault& fault) {
-            refuseUnlessPassing(fault, std::chrono::steady_clock::now() > deadline);
+            refuseUnlessPassing(fault, waiting.isOver());
         }
         connection.reset();
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        waiting.goesOn();
     }
 }
 
