@@ -6,9 +6,9 @@
 #include "Check.h"
 #include "NumberedLogbook.h"
 #include "TemporaryFolder.h"
+#include "insteadOf.h"
 
 #include <sys/mman.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -156,31 +156,35 @@ int run(int argc, char** argv) {
                              std::to_string(shared.refused) + " refused");
 }
 
-ssize_t writeAt(int descriptor, const void* bytes, std::size_t count, off64_t offset) {
+template <typename Offset>
+ssize_t writeSlowly(const char* function, int file, const void* bytes, std::size_t count, Offset offset) {
     if (count == 1 && delayOfOneByte.count() > 0) {
         usleep(static_cast<useconds_t>(delayOfOneByte.count()));
     }
-    return syscall(SYS_pwrite64, descriptor, bytes, count, offset);
+    return support::callBehind<ssize_t>(function, file, bytes, count, offset);
 }
 
 }  // namespace
 
 // In front of the C library's, for SQLite too.
-extern "C" {
-
 #pragma GCC visibility push(default)
 
-ssize_t pwrite(int fd, const void* buf, size_t n, off_t offset) {
-    return writeAt(fd, buf, n, offset);
+extern "C" {
+
+ssize_t writeAt(int file, const void* bytes, std::size_t count, long offset) TQZEL_INSTEAD_OF(pwrite);
+ssize_t writeAt64(int file, const void* bytes, std::size_t count, std::int64_t offset) TQZEL_INSTEAD_OF(pwrite64);
+
+ssize_t writeAt(int file, const void* bytes, std::size_t count, long offset) {
+    return writeSlowly("pwrite", file, bytes, count, offset);
 }
 
-ssize_t pwrite64(int fd, const void* buf, size_t n, off64_t offset) {
-    return writeAt(fd, buf, n, offset);
+ssize_t writeAt64(int file, const void* bytes, std::size_t count, std::int64_t offset) {
+    return writeSlowly("pwrite64", file, bytes, count, offset);
 }
-
-#pragma GCC visibility pop
 
 }  // extern "C"
+
+#pragma GCC visibility pop
 
 int main(int argc, char** argv) {
     return support::outcomeOf(run, argc, argv);

@@ -7,12 +7,12 @@
 #include "CapturedErrors.h"
 #include "Check.h"
 #include "TemporaryFolder.h"
+#include "insteadOf.h"
 #include "numbersOf.h"
 #include "random.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -528,16 +528,10 @@ int run(int argc, char** argv) {
                              " can't record");
 }
 
-/// Calls the function of the C library that stands behind one of ours.
-template <typename Result, typename... Arguments>
-Result callBehind(const char* function, Arguments... arguments) {
-    return reinterpret_cast<Result (*)(Arguments...)>(dlsym(RTLD_NEXT, function))(arguments...);
-}
-
 template <typename Result, typename... Arguments>
 Result callOrDie(const char* function, Arguments... arguments) {
     dieIfLast();
-    return callBehind<Result>(function, arguments...);
+    return support::callBehind<Result>(function, arguments...);
 }
 
 /// A write that death may cut.
@@ -545,19 +539,16 @@ template <typename... Offset>
 ssize_t writeOrDie(const char* function, int file, const void* bytes, std::size_t count, Offset... offset) {
     dieIfLast();
     if (isLast()) {
-        callBehind<ssize_t>(function, file, bytes, count / 2, offset...);
+        support::callBehind<ssize_t>(function, file, bytes, count / 2, offset...);
         raise(lastSignal);
     }
-    return callBehind<ssize_t>(function, file, bytes, count, offset...);
+    return support::callBehind<ssize_t>(function, file, bytes, count, offset...);
 }
 
 }  // namespace
 
-// In front of the C library's, for SQLite too, under the names that they have in programs: in headers some stand for
-// others, as files may be large.
+// In front of the C library's, for SQLite too.
 #pragma GCC visibility push(default)
-
-#define TQZEL_INSTEAD_OF(name) __asm__(#name)
 
 extern "C" {
 

@@ -141,8 +141,9 @@ TEST_F(DamagedLogbook, KeepsPagesAndCountsRightOverLostNumbers) {
             for (const lgb::DatabaseRecord& record : database->fetch(offset, count)) {
                 page.push_back(record.json);
             }
-            const auto begin = all.begin() + std::min<std::ptrdiff_t>(offset, 35);
-            EXPECT_EQ(page, Texts(begin, begin + std::min<std::ptrdiff_t>(count, all.end() - begin)));
+            const std::size_t first = std::min<std::size_t>(offset, all.size());
+            const std::size_t behind = std::min<std::size_t>(first + count, all.size());
+            EXPECT_EQ(page, Texts(all.data() + first, all.data() + behind));
         }
     }
 }
