@@ -2,9 +2,19 @@
 
 namespace standalone {
 
+namespace {
+
+/// For others it is what was met before.
+bool isOfSystem(int outcome) {
+    return outcome == SQLITE_IOERR || outcome == SQLITE_CANTOPEN;
+}
+
+}  // namespace
+
 SqliteError::SqliteError(sqlite3* connection, int outcome)
     : std::runtime_error(connection == nullptr ? sqlite3_errstr(outcome) : sqlite3_errmsg(connection)),
-      extended(connection == nullptr ? outcome : sqlite3_extended_errcode(connection)) {}
+      extended(connection == nullptr ? outcome : sqlite3_extended_errcode(connection)),
+      system(isOfSystem(extended & 0xff) ? sqlite3_system_errno(connection) : 0) {}
 
 Connection::Connection(const std::string& database, int flags) {
     sqlite3* opened = nullptr;

@@ -19,8 +19,12 @@ public:
 
     int extendedOutcome() const noexcept { return extended; }
 
+    /// The system's error number behind it; 0 when it was none.
+    int systemError() const noexcept { return system; }
+
 private:
     int extended;
+    int system;
 };
 
 /// A connection to a database, over SQLite's own interface: on small machines a wrapper would weigh as much as healing.

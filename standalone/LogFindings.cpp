@@ -21,10 +21,14 @@ std::optional<std::string> LogFindings::damageOf(const Examination& logbook) con
     if (newestBehind > logbook.newest || cleared > logbook.head.cleared) {
         return "damaged: its log is damaged, and tells of more behind that";
     }
-    if (mark && mark->id == logbook.head.id && mark->newest > logbook.newest) {
+    if (newestKnown(logbook.head.id) > logbook.newest) {
         return "damaged: it is older than when it was closed";
     }
     return std::nullopt;
+}
+
+std::int64_t LogFindings::newestKnown(const LogbookId& logbook) const {
+    return std::max({newestBehind, cleared, mark && mark->id == logbook ? mark->newest : 0});
 }
 
 bool isEmptied(const std::string& log) {

@@ -23,6 +23,9 @@ struct LogFindings {
 
     /// What is wrong, if the log tells of more than the logbook shows.
     std::optional<std::string> damageOf(const Examination& logbook) const;
+
+    /// The newest number that was given out, as far as the log knows.
+    std::int64_t newestKnown(const LogbookId& logbook) const;
 };
 
 /// Whether a log tells of no record at all.

@@ -33,7 +33,7 @@ Connection connect(const LogbookFiles& files) {
         if (access(files.database.c_str(), R_OK | W_OK) != 0) {
             refuse(files.database, errno);
         }
-        refuse(files.database, exception, nullptr);
+        refuse(files.database, exception);
     }
 }
 
@@ -68,7 +68,7 @@ int LogbookFile::Patience::wait(void* patience, int times) {
 }
 
 LogbookFile::LogbookFile(const LogbookFiles& names, const WantedCapacity& wanted, const LogFindings& found)
-    : files((requireUsable(names), names)), connection(connect(files)) {
+    : files((requireUsable(names), names)), connection(connect(files)), settled(found.cutOff.empty() && !found.isTorn) {
     try {
         begin();
         sound = content.damaged.empty() && !found.damageOf(content);
@@ -76,14 +76,14 @@ LogbookFile::LogbookFile(const LogbookFiles& names, const WantedCapacity& wanted
             growTo(wanted);
         }
     } catch (const SqliteError& exception) {
-        refuse(files.database, exception, connection.handle());
+        refuse(files.database, exception);
     } catch (const Fault& fault) {
         refuse(files.database, fault);
     }
 }
 
 LogbookFile::~LogbookFile() {
-    if (sound && isInPlace()) {
+    if (sound && settled && isInPlace()) {
         patience.most = closingTimeout;
         emptyLog();
     }
@@ -103,8 +103,11 @@ void LogbookFile::configure() {
 void LogbookFile::begin() {
     requireNotEmpty(openedState(files.database));
     configure();
-    if (sqlite3_db_readonly(connection.handle(), "main") == 1 && access(files.database.c_str(), W_OK) != 0) {
-        refuse(files.database, errno);
+    if (sqlite3_db_readonly(connection.handle(), "main") == 1) {  // as SQLite opens what it can't open for writing
+        if (access(files.database.c_str(), W_OK) != 0) {
+            refuse(files.database, errno);
+        }
+        throw Fault{Failure::ReadOnly, "can't be opened for writing"};
     }
     const bool hadLog = stateOf(files.log).has_value();
     content = examine(connection);
@@ -288,14 +291,18 @@ LogFindings findingsIn(const LogbookFiles& files) {
     return found;
 }
 
+OpenedLogbook openFound(const LogbookFiles& files, const WantedCapacity& wanted, const LogFindings& log) {
+    return {std::make_unique<LogbookFile>(files, wanted, log), log.cutOff, log.isTorn, 0};
+}
+
 OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted) {
     const bool isNew = finishHealing(files) || makeIfMissing(files, wanted.records);
-    LogFindings log = isNew ? LogFindings() : findingsIn(files);
+    const LogFindings log = isNew ? LogFindings() : findingsIn(files);
     bool isUsable = false;
     try {
-        auto file = std::make_unique<LogbookFile>(files, wanted, log);
-        if (file->isSound()) {
-            return {std::move(file), std::move(log.cutOff), log.isTorn};
+        OpenedLogbook opened = openFound(files, wanted, log);
+        if (opened.file->isSound()) {
+            return opened;
         }
         isUsable = true;
     } catch (const DatabaseError& damage) {
@@ -304,15 +311,17 @@ OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted
         }
     }
     try {
-        heal(files, wanted);
+        return openFound(files, wanted, heal(files, wanted) ? LogFindings() : log);
     } catch (const DatabaseError& trouble) {
-        if (!isUsable) {
+        if (!isUsable || trouble.kind() != Failure::Full) {
             throw;
         }
         report(Level::Error,
-               std::string(trouble.what()) + "; the logbook can't be healed, and damaged records are left out");
+               std::string(trouble.what()) + "; the logbook can't be healed, and what is damaged is left out");
     }
-    return {std::make_unique<LogbookFile>(files, wanted, LogFindings()), {}, false};
+    OpenedLogbook opened = openFound(files, wanted, LogFindings());
+    opened.newestKnown = log.newestKnown(opened.file->id());
+    return opened;
 }
 
 /// On a disk that is too full for it there would be a logbook that can't be opened, or not again.

@@ -42,6 +42,9 @@ public:
     /// Damage was met in use: nothing is to be written over what it may be healed from.
     void noteDamage() { sound = false; }
 
+    /// What its log held of a transaction that was cut off is in safety: the log may be emptied.
+    void noteSettled() { settled = true; }
+
     /// Whether the folder's names still stand for what is open.
     bool isInPlace() const noexcept;
 
@@ -93,6 +96,7 @@ private:
     Connection connection;
     Examination content;
     bool sound = true;
+    bool settled;
     FileState databaseState;
     FileState logState;
     FileState indexState;
@@ -106,6 +110,7 @@ struct OpenedLogbook {
     std::unique_ptr<LogbookFile> file;
     std::vector<FoundRecord> cutOff;  ///< what its log held of a transaction whose end is missing
     bool isTorn;                      ///< whether its log holds anything behind what SQLite sees
+    std::int64_t newestKnown;         ///< of the numbers given out, where not all of them can be brought back
 };
 
 /// Opens a logbook; makes it when there is none, and heals it when it is damaged.

@@ -43,6 +43,15 @@ int opened(const std::string& file, int flags) {
     return descriptor;
 }
 
+struct stat statusOf(const std::string& file, int descriptor) {
+    struct stat status {};
+
+    if (fstat(descriptor, &status) != 0) {
+        refuse(file, errno);
+    }
+    return status;
+}
+
 std::string folderOf(const std::string& path) {
     const std::string folder = std::filesystem::path(path).parent_path();
     return folder.empty() ? "." : folder;
@@ -92,8 +101,12 @@ bool stillIs(const std::string& file, const FileState& state) noexcept {
 
 void makeFolder(const std::string& folder) {
     std::error_code error;
-    if (std::filesystem::is_directory(folder, error)) {
+    const std::filesystem::file_status status = std::filesystem::status(folder, error);
+    if (is_directory(status)) {
         return;
+    }
+    if (!status_known(status)) {
+        refuse(folder, error.value());
     }
     const std::string parent = folderOf(folder);
     if (parent != folder) {
@@ -137,11 +150,11 @@ void renameFile(const std::string& from, const std::string& to, bool replaces) {
 }
 
 OpenFile::OpenFile(std::string file, int flags) : name(std::move(file)), descriptor(opened(name, flags)) {
-    struct stat status {};
-
-    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+    try {
+        requireRegular(name, statusOf(name, descriptor));
+    } catch (...) {
         close(descriptor);
-        throw DatabaseError(Failure::Foreign, name + ": is no regular file");
+        throw;
     }
 }
 
@@ -198,12 +211,7 @@ void OpenFile::sync() const {
 }
 
 FileState OpenFile::state() const {
-    struct stat status {};
-
-    if (fstat(descriptor, &status) != 0) {
-        refuse(name, errno);
-    }
-    return stateFrom(status);
+    return stateFrom(statusOf(name, descriptor));
 }
 
 void NamesLock::setSpaceAside() const {

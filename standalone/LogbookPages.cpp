@@ -25,6 +25,14 @@ std::optional<OpenFile> openLog(const std::string& file) {
     return stateOf(file) ? std::make_optional<OpenFile>(file, O_RDONLY) : std::nullopt;
 }
 
+Connection connectedTo(const std::string& database) {
+    try {
+        return Connection(pathForSqlite(database), SQLITE_OPEN_READONLY | SQLITE_OPEN_NOFOLLOW);
+    } catch (const SqliteError& exception) {
+        refuse(database, exception);
+    }
+}
+
 /// @return 0 for what is no size of a page
 std::uint32_t pageBytesIn(std::string_view header) {
     constexpr std::size_t least = 512;
@@ -52,9 +60,7 @@ constexpr std::array<int, 4> trusts = {PageImage::inDatabase - 2, PageImage::inD
 }  // namespace
 
 DatabaseBytes::DatabaseBytes(const std::string& database)
-    : name(database),
-      connection(pathForSqlite(database), SQLITE_OPEN_READONLY | SQLITE_OPEN_NOFOLLOW),
-      file(connection.file()) {}
+    : name(database), connection(connectedTo(database)), file(connection.file()) {}
 
 std::size_t DatabaseBytes::size() const {
     sqlite3_int64 bytes = 0;

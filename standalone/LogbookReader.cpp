@@ -83,6 +83,7 @@ LogbookDescription LogbookReader::description() {
 
 std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
     std::vector<std::string> damage;
+    bool isSecondLook = false;
     PatientReader(path.string()).read([&](ReadingConnection& connection) {
         damage.clear();
         Statement check(connection.database(), "PRAGMA integrity_check");
@@ -91,6 +92,9 @@ std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
             if (line != "ok") {
                 damage.push_back(line);
             }
+        }
+        if (!damage.empty() && !std::exchange(isSecondLook, true)) {
+            throw Fault{Failure::Damaged, damage.front()};
         }
     });
     return damage;

@@ -94,7 +94,7 @@ void NewFile::attempt(Operation operation) {
     try {
         operation();
     } catch (const SqliteError& exception) {
-        refuse(file, exception, connection ? connection->handle() : nullptr);
+        refuse(file, exception);
     }
 }
 

@@ -16,7 +16,7 @@ RecordScan scanOf(const std::string& file, const Salvage::Progress& progress) {
     try {
         return RecordScan(file, LogbookFiles(file).log, Extent::Everything, progress);
     } catch (const SqliteError& exception) {
-        refuse(file, exception, nullptr);
+        refuse(file, exception);
     }
 }
 

@@ -201,11 +201,15 @@ void SqliteDatabase::guarded(Access access, const std::function<void()>& operati
             operation();
             return;
         } catch (const SqliteError& exception) {
-            sqlite3* const handle = session ? session->connection.handle() : nullptr;
-            if (tries > 1 || failureOf(exception, handle) != Failure::Damaged) {
-                refuse(files.database, exception, handle);
+            const Failure failure = failureOf(exception);
+            if (tries > 1 || (failure != Failure::Damaged && failure != Failure::ReadOnly)) {
+                refuse(files.database, exception);
             }
-            leaveDamaged();
+            if (failure == Failure::Damaged) {
+                leaveDamaged();
+            } else {
+                session.reset();  // opened when the file could only be read
+            }
         } catch (const Fault& fault) {
             if (tries > 1) {
                 refuse(files.database, fault);
@@ -276,11 +280,7 @@ void SqliteDatabase::open(Access access) {
     try {
         OpenedLogbook opened = openLogbook(files, wanted);
         session = std::make_unique<Session>(std::move(opened.file));
-        settle(opened.cutOff);
-        if (opened.isTorn) {  // what is torn would look committed behind frames to come
-            session->file->noteNewest(session->numbers().newest);
-            session->file->emptyLog();
-        }
+        settle(opened);
     } catch (const DatabaseError& refusal) {
         if (access == Access::Writing || refusal.kind() != Failure::ReadOnly || !stateOf(files.database)) {
             throw;
@@ -300,39 +300,60 @@ void SqliteDatabase::openForReading() {
     }
 }
 
-/// Puts back what was cut off in a log, or what a file that was left holds of the newest records and the file does not.
-void SqliteDatabase::settle(const std::vector<FoundRecord>& cutOff) {
-    std::vector<FoundRecord> records = std::exchange(leftRecords, {});
+/// Sees to it that nothing is left of what happened to the logbook before.
+void SqliteDatabase::settle(const OpenedLogbook& opened) {
+    try {
+        putBack(opened);
+    } catch (...) {
+        session.reset();
+        throw;
+    }
+    leftRecords.clear();
+    session->file->noteSettled();
+    if (opened.isTorn) {  // what is torn would look committed behind frames to come
+        session->file->noteNewest(session->numbers().newest);
+        session->file->emptyLog();
+    }
+}
+
+/// What was cut off in a log, and what a file that was left holds of the newest records and the file does not.
+void SqliteDatabase::putBack(const OpenedLogbook& opened) {
+    std::vector<FoundRecord> records = leftRecords;
     if (leftId != session->id) {
         records.clear();
     }
     std::int64_t next = session->numbers().newest + 1;
-    for (const FoundRecord& record : cutOff) {
+    for (const FoundRecord& record : opened.cutOff) {
         if (record.number == next) {
             records.push_back(record);
             ++next;
         }
     }
-    if (records.empty()) {
+    if (records.empty() && opened.newestKnown < next) {
         return;
     }
     Transaction transaction(session->transactions);
     auto [last, capacity] = session->numbers();
     Ranges putBack;
     Ranges lost;
+    const auto loseTo = [&, &end = last](std::int64_t number) {
+        if (number > end) {
+            session->lose(end + 1, number);
+            lost.add(end + 1, number);
+            end = number;
+        }
+    };
     for (const FoundRecord& record : records) {
         if (session->holds(record)) {
             continue;
         }
         const std::int64_t number = std::max(record.number, last + 1);
-        if (number > last + 1) {
-            session->lose(last + 1, number - 1);
-            lost.add(last + 1, number - 1);
-        }
+        loseTo(number - 1);
         session->insert(numbered(number, record));
         putBack.add(number, number);
         last = number;
     }
+    loseTo(opened.newestKnown);
     const LostRanges lostNow = lostOf(session->connection);
     session->keepCapacity(last, capacity, lostNow);
     transaction.commit();
@@ -379,7 +400,7 @@ void SqliteDatabase::commit(Whose whose, std::size_t bytes, const Change& change
                 followTo(whose);
                 return;
             } catch (const SqliteError& exception) {
-                const bool isFull = failureOf(exception, session->connection.handle()) == Failure::Full;
+                const bool isFull = failureOf(exception) == Failure::Full;
                 if (!isFull || room.records > session->stored()) {
                     throw;
                 }

@@ -77,7 +77,8 @@ private:
     void followTo(Whose whose);
     void open(Access access);
     void openForReading();
-    void settle(const std::vector<FoundRecord>& cutOff);
+    void settle(const OpenedLogbook& opened);
+    void putBack(const OpenedLogbook& opened);
     void tellOfFullDisk();
 
     std::mutex mutex;  // statements are not to be shared

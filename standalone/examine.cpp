@@ -116,8 +116,12 @@ using Header = std::array<unsigned char, 100>;
 Header headerOf(Connection& connection) {
     Header header{};
     sqlite3_file* const file = connection.file();
-    if (file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0) != SQLITE_OK) {
+    const int outcome = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
+    if (outcome == SQLITE_IOERR_SHORT_READ) {
         refuseAsDamaged("it is cut short");
+    }
+    if (outcome != SQLITE_OK) {
+        throw SqliteError(nullptr, outcome);
     }
     return header;
 }

@@ -47,25 +47,19 @@ Failure kindOf(int code, const Kinds& kinds, Failure otherwise) {
     return otherwise;
 }
 
-/// The system's error number behind what SQLite met, 0 when it was none.
-int systemErrorOf(int code, sqlite3* connection) {
-    const bool isOfSystem = code == SQLITE_IOERR || code == SQLITE_CANTOPEN;
-    return isOfSystem && connection != nullptr ? sqlite3_system_errno(connection) : 0;
-}
-
 }  // namespace
 
 Failure failureOf(int error) {
     return kindOf(error, ofSystem, Failure::InputOutput);
 }
 
-Failure failureOf(const SqliteError& exception, sqlite3* connection) {
+Failure failureOf(const SqliteError& exception) {
     const int code = exception.outcome();
     if (exception.extendedOutcome() == SQLITE_IOERR_NOMEM) {
         return Failure::Memory;
     }
     if (code == SQLITE_IOERR || code == SQLITE_CANTOPEN) {
-        return failureOf(systemErrorOf(code, connection));
+        return failureOf(exception.systemError());
     }
     return kindOf(code, ofSqlite, Failure::Damaged);
 }
@@ -78,10 +72,10 @@ void refuse(const std::string& file, const Fault& fault) {
     throw DatabaseError(fault.kind, file + ": " + fault.reason);
 }
 
-void refuse(const std::string& file, const SqliteError& exception, sqlite3* connection) {
-    const int error = systemErrorOf(exception.outcome(), connection);
+void refuse(const std::string& file, const SqliteError& exception) {
+    const int error = exception.systemError();
     const std::string reason = error == 0 ? "" : ": " + std::generic_category().message(error);
-    throw DatabaseError(failureOf(exception, connection), file + ": " + exception.what() + reason);
+    throw DatabaseError(failureOf(exception), file + ": " + exception.what() + reason);
 }
 
 }  // namespace standalone

@@ -3,8 +3,6 @@
 #include "Connection.h"
 #include "errors.h"
 
-#include <sqlite3.h>
-
 #include <string>
 
 namespace standalone {
@@ -19,12 +17,11 @@ struct Fault {
 Failure failureOf(int error);
 
 /// What SQLite's outcome means for a logbook.
-/// @param connection that met it; null when none could be made
-Failure failureOf(const SqliteError& exception, sqlite3* connection);
+Failure failureOf(const SqliteError& exception);
 
 /// "file: reason" as a DatabaseError.
 [[noreturn]] void refuse(const std::string& file, int error);
 [[noreturn]] void refuse(const std::string& file, const Fault& fault);
-[[noreturn]] void refuse(const std::string& file, const SqliteError& exception, sqlite3* connection);
+[[noreturn]] void refuse(const std::string& file, const SqliteError& exception);
 
 }  // namespace standalone

@@ -106,25 +106,21 @@ std::optional<std::string> damageOf(const std::string& copy, const LogFindings& 
         sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
         int persist = 1;
         sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
-        try {
-            distrust(connection);
-            const Examination found = examine(connection);
-            requireHeader(connection);
-            return found.damaged.empty() ? log.damageOf(found)
-                                         : std::optional("damaged: record " + std::to_string(found.damaged.front()));
-        } catch (const SqliteError& exception) {
-            if (failureOf(exception, connection.handle()) != Failure::Damaged) {
-                refuse(copy, exception, connection.handle());
-            }
-            return std::string("damaged: ") + exception.what();
-        }
+        distrust(connection);
+        const Examination found = examine(connection);
+        requireHeader(connection);
+        return found.damaged.empty() ? log.damageOf(found)
+                                     : std::optional("damaged: record " + std::to_string(found.damaged.front()));
     } catch (const Fault& fault) {
         if (fault.kind != Failure::Damaged) {
             refuse(copy, fault);
         }
         return fault.reason;
     } catch (const SqliteError& exception) {
-        refuse(copy, exception, nullptr);
+        if (failureOf(exception) != Failure::Damaged) {
+            refuse(copy, exception);
+        }
+        return std::string("damaged: ") + exception.what();
     }
 }
 
@@ -170,11 +166,12 @@ std::int64_t capacityFor(const WantedCapacity& wanted, const RecordScan& scan) {
 }
 
 /// While nobody writes.
-void healLocked(const LogbookFiles& files, const WantedCapacity& wanted, const SetAside& sets) {
+/// @return whether there was anything to heal
+bool healLocked(const LogbookFiles& files, const WantedCapacity& wanted, const SetAside& sets) {
     Copies copies(files, sets.next());
     const auto damage = damageOf(copies.database(), lookThroughLog(copies.database(), copies.log()));
     if (!damage) {
-        return;
+        return false;
     }
     const RecordScan scan(copies.database(), copies.log());
     if (!scan.isLogbook()) {
@@ -186,6 +183,7 @@ void healLocked(const LogbookFiles& files, const WantedCapacity& wanted, const S
     putHealedInPlace(files);
     tell(files, *damage, copies.database(), remains);
     sets.removeOld();
+    return true;
 }
 
 }  // namespace
@@ -226,7 +224,8 @@ bool finishHealing(const LogbookFiles& files) {
     if (!stateOf(files.healed)) {
         return false;
     }
-    if (stateOf(files.log)) {
+    const auto log = stateOf(files.log);
+    if (log && log->bytes > 0) {
         removeFile(files.healed);  // the damaged one may have been added to since
         return false;
     }
@@ -234,16 +233,16 @@ bool finishHealing(const LogbookFiles& files) {
     return true;
 }
 
-void heal(const LogbookFiles& files, const WantedCapacity& wanted) {
+bool heal(const LogbookFiles& files, const WantedCapacity& wanted) {
     const WriteLock nobodyWrites(files.database);
     const SetAside sets(files);
     try {
-        healLocked(files, wanted, sets);
+        return healLocked(files, wanted, sets);
     } catch (const DatabaseError& trouble) {
         if (trouble.kind() != Failure::Full || !sets.removeOld(0)) {
             throw;
         }
-        healLocked(files, wanted, sets);  // in the space of older sets
+        return healLocked(files, wanted, sets);  // in the space of older sets
     }
 }
 

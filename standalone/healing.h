@@ -20,8 +20,9 @@ bool finishHealing(const LogbookFiles& files);
 /// Looks again, while nobody writes, whether a logbook is damaged. If so sets its files aside and puts one in their
 /// place that holds each record which is whole, wherever it was found; says at level 4 what was found and what is lost.
 /// @param wanted of the new one, when the damaged one doesn't tell any more
+/// @return whether it was damaged
 /// @throws DatabaseError, also for what never was a logbook; then everything is as it was
-void heal(const LogbookFiles& files, const WantedCapacity& wanted);
+bool heal(const LogbookFiles& files, const WantedCapacity& wanted);
 
 /// Moves a log away that is of another logbook.
 void setLogAside(const LogbookFiles& files);

@@ -1,5 +1,6 @@
 #include "reading.h"
 
+#include "LogbookPages.h"
 #include "Waiting.h"
 #include "WriteAheadLog.h"
 
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace standalone {
 
@@ -24,6 +26,21 @@ std::string uriOf(const std::string& file) {
         uri += special == std::string_view::npos ? std::string(1, letter) : std::array{"%25", "%3f", "%23"}.at(special);
     }
     return uri;
+}
+
+/// Whether what SQLite met comes of others who work on the file, and passes.
+bool isPassing(const SqliteError& met) {
+    constexpr std::array all = {SQLITE_BUSY, SQLITE_LOCKED, SQLITE_PROTOCOL, SQLITE_READONLY};
+    return std::find(all.begin(), all.end(), met.outcome()) != all.end() ||
+           (met.outcome() == SQLITE_CANTOPEN && (met.systemError() == 0 || met.systemError() == ENOENT));
+}
+
+/// SQLite's own checks call a page damaged that could not be read.
+void requireReadable(const std::string& database) {
+    const DatabaseBytes file(database);
+    std::vector<char> bytes(std::size_t{64} * 1024);
+    for (std::size_t at = 0; file.read(at, bytes.data(), bytes.size()) == bytes.size(); at += bytes.size()) {
+    }
 }
 
 bool holdsAnything(const std::string& log) {
@@ -50,7 +67,7 @@ Connection ReadingConnection::connect() const {
         throw DatabaseError(Failure::Missing, files.database + ": there is no such logbook");
     }
     requireNotEmpty(*before[0]);
-    const bool isInUse = before[2].has_value();
+    const bool isInUse = before[1] && before[2];  // without a log SQLite would make one
     if (!isInUse && before[1] && holdsAnything(files.log)) {
         if (!isStillRight()) {
             throw Fault{Failure::Busy, "has just come into use"};
@@ -65,7 +82,7 @@ Connection ReadingConnection::connect() const {
         if (access(files.database.c_str(), R_OK) != 0) {
             refuse(files.database, errno);
         }
-        refuse(files.database, exception, nullptr);
+        refuse(files.database, exception);
     }
 }
 
@@ -79,7 +96,7 @@ const Examination& ReadingConnection::examination() {
 bool ReadingConnection::isStillRight() const noexcept {
     try {
         const States now = statesOf(files);
-        const bool isCopy = !before[2];
+        const bool isCopy = !before[1] || !before[2];
         const auto isSame = [&](std::size_t file) {
             return now[file].has_value() == before[file].has_value() &&
                    (!now[file] || (now[file]->isSameFile(*before[file]) &&
@@ -93,6 +110,7 @@ bool ReadingConnection::isStillRight() const noexcept {
 
 void PatientReader::read(const std::function<void(ReadingConnection&)>& read) {
     const Waiting waiting;
+    bool isSecondLook = false;
     while (true) {
         try {
             if (!connection || !connection->isStillRight()) {
@@ -104,30 +122,31 @@ void PatientReader::read(const std::function<void(ReadingConnection&)>& read) {
                 return;
             }
         } catch (const SqliteError& exception) {
-            refuseUnlessPassing(exception, waiting.isOver());
+            const bool maySucceed = isPassing(exception) || looksAgain(failureOf(exception), isSecondLook);
+            if (!maySucceed || waiting.isOver()) {
+                refuse(files.database, exception);
+            }
         } catch (const Fault& fault) {
-            refuseUnlessPassing(fault, waiting.isOver());
+            const bool maySucceed = fault.kind == Failure::Busy || looksAgain(fault.kind, isSecondLook);
+            if (!maySucceed || waiting.isOver()) {
+                refuse(files.database, fault);
+            }
         }
         connection.reset();
         waiting.goesOn();
     }
 }
 
-void PatientReader::refuseUnlessPassing(const SqliteError& exception, bool isLate) const {
-    const int code = exception.outcome();
-    const bool mayPass = code == SQLITE_BUSY || code == SQLITE_LOCKED || code == SQLITE_PROTOCOL ||
-                         code == SQLITE_READONLY || code == SQLITE_CANTOPEN || !connection ||
-                         !connection->isStillRight();
-    if (!mayPass || isLate) {
-        refuse(files.database, exception, connection ? connection->database().handle() : nullptr);
+/// Others may have come in between; and what could not be read may look damaged.
+bool PatientReader::looksAgain(Failure failure, bool& isSecondLook) const {
+    if (connection && !connection->isStillRight()) {
+        return true;
     }
-}
-
-void PatientReader::refuseUnlessPassing(const Fault& fault, bool isLate) const {
-    const bool mayPass = fault.kind == Failure::Busy || (connection && !connection->isStillRight());
-    if (!mayPass || isLate) {
-        refuse(files.database, fault);
+    if (failure != Failure::Damaged || std::exchange(isSecondLook, true)) {
+        return false;
     }
+    requireReadable(files.database);
+    return true;
 }
 
 }  // namespace standalone

@@ -14,7 +14,7 @@
 namespace standalone {
 
 /// A connection that reads a file, whatever it holds, and neither changes nor makes any file. A file beside which there
-/// is the index of a log is read together with those who use it; without one it is a copy, and taken as it is.
+/// are a log and its index is read together with those who use it; without them it is a copy, and taken as it is.
 class ReadingConnection {
 public:
     /// @throws DatabaseError naming the file, also when there is none
@@ -53,8 +53,7 @@ public:
     void read(const std::function<void(ReadingConnection&)>& read);
 
 private:
-    void refuseUnlessPassing(const SqliteError& exception, bool isLate) const;
-    void refuseUnlessPassing(const Fault& fault, bool isLate) const;
+    bool looksAgain(Failure failure, bool& isSecondLook) const;
 
     LogbookFiles files;
     std::unique_ptr<ReadingConnection> connection;

@@ -1,0 +1,302 @@
+// System calls fail: each one that is made while a logbook is made or healed, opened, read, added to and closed, once
+// or from then on. An operation then throws, naming the file, or has done its work; what fails passes for no damage.
+// When calls work again, the logbook holds what an undisturbed process would have found and all that was acknowledged,
+// recording goes on, and nothing but what was damaged before has been set aside.
+
+#include "CapturedErrors.h"
+#include "Check.h"
+#include "calls.h"
+#include "insteadOf.h"
+#include "random.h"
+#include "scenes.h"
+
+#include <standalone/LogbookReader.h>
+#include <standalone/errors.h>
+
+#include <time.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using support::Random;
+using support::Stage;
+using support::SystemCall;
+
+constexpr std::uint64_t usualEvery = 40;
+
+struct Kind {
+    const char* name;
+    int error;
+    bool isHalf;
+    std::vector<SystemCall> concerned;
+    bool mayLast;  // what passes by itself is waited for
+};
+
+const std::vector<Kind>& kinds() {
+    static const std::vector<SystemCall> names = {SystemCall::Open, SystemCall::OpenToWrite, SystemCall::MakeFolder,
+                                                  SystemCall::Unlink, SystemCall::Rename};
+    static const std::vector<Kind> all = {
+        {"input/output error",
+         EIO,
+         false,
+         {SystemCall::Open, SystemCall::OpenToWrite, SystemCall::Read, SystemCall::Write, SystemCall::Truncate,
+          SystemCall::Allot, SystemCall::Sync, SystemCall::Unlink, SystemCall::Rename, SystemCall::MakeFolder,
+          SystemCall::Status},
+         true},
+        {"write that breaks off", EIO, true, {SystemCall::Write}, true},
+        {"full disk",
+         ENOSPC,
+         false,
+         {SystemCall::Write, SystemCall::Allot, SystemCall::MakeFolder, SystemCall::Rename},
+         true},
+        {"write that fills the disk", ENOSPC, true, {SystemCall::Write}, true},
+        {"missing right", EACCES, false, names, true},
+        {"read-only medium",
+         EROFS,
+         false,
+         {SystemCall::OpenToWrite, SystemCall::MakeFolder, SystemCall::Unlink, SystemCall::Rename},
+         true},
+        {"too many files", EMFILE, false, {SystemCall::Open, SystemCall::OpenToWrite}, true},
+        {"file system that can't set space aside", EOPNOTSUPP, false, {SystemCall::Allot}, true},
+        {"file system that renames simply", EINVAL, false, {SystemCall::Rename}, true},
+        {"lock that another has", EAGAIN, false, {SystemCall::Lock}, false},
+    };
+    return all;
+}
+
+struct Fault {
+    std::size_t call;  // counting from 0
+    const Kind* kind;
+    bool lasts;
+
+    bool concerns(SystemCall made) const {
+        return std::find(kind->concerned.begin(), kind->concerned.end(), made) != kind->concerned.end();
+    }
+};
+
+/// What the calls are, and which of them fail.
+struct Calls {
+    std::vector<SystemCall> made;
+    Fault fault{0, nullptr, false};
+    std::uint64_t failed = 0;
+};
+
+Calls calls;
+
+support::Fate fateOf(SystemCall call) {
+    const std::size_t now = calls.made.size();
+    calls.made.push_back(call);
+    const Fault& fault = calls.fault;
+    const bool fails =
+        fault.kind != nullptr && (fault.lasts ? now >= fault.call : now == fault.call) && fault.concerns(call);
+    if (!fails) {
+        return {};
+    }
+    ++calls.failed;
+    return {fault.kind->error, 0, fault.kind->isHalf};
+}
+
+struct Figures {
+    std::uint64_t calls = 0;
+    std::uint64_t faults = 0;
+    std::uint64_t thrown = 0;
+    std::uint64_t unnoticed = 0;
+    support::Aftermath aftermath;
+};
+
+/// Everything that is done with a logbook, while calls fail.
+class Session {
+public:
+    Session(const Stage& on, const Fault& planned, support::Failures& seen)
+        : stage(on), fault(planned), failures(seen) {}
+
+    void work() {
+        stage.reset();
+        calls = {{}, fault, 0};
+        support::setFates(fateOf);
+        record();
+        read();
+        database.reset();
+        read();
+        record();
+        database.reset();
+        support::setFates(nullptr);
+    }
+
+    const std::vector<support::Added>& addedRecords() const { return added; }
+
+    std::uint64_t thrownInAll() const { return thrown; }
+
+    std::string title() const {
+        return fault.kind == nullptr ? "no fault"
+                                     : fault.kind->name + std::string(fault.lasts ? " from call " : " at call ") +
+                                           std::to_string(fault.call);
+    }
+
+private:
+    void record() {
+        attempt("open", [&] { database = stage.open(); });
+        if (database == nullptr) {
+            return;
+        }
+        for (int time = 0; time < 2; ++time) {
+            added.push_back({"record " + std::to_string(added.size()) + " of a session", false});
+            attempt("add", [&] {
+                database->add(added.back().text, {});
+                added.back().isAcknowledged = true;
+            });
+        }
+        attempt("fetch", [&] { expectAcknowledged(support::textsOf(*database)); });
+    }
+
+    void read() {
+        attempt("read", [&] {
+            standalone::LogbookReader reader(stage.database());
+            const auto records = reader.before(INT64_MAX, 1000);
+            expect(stage.isDamaged() ||
+                       std::all_of(records.begin(), records.end(), [](const auto& record) { return record.intact; }),
+                   "a record that is not intact is read");
+            reader.description();
+        });
+        attempt("examine", [&] {
+            const auto damage = standalone::structuralDamage(stage.database());
+            expect(stage.isDamaged() || damage.empty(),
+                   "a whole file is called damaged: " + (damage.empty() ? "" : damage.front()));
+        });
+    }
+
+    void expectAcknowledged(const support::Texts& texts) {
+        for (const support::Added& record : added) {
+            expect(!record.isAcknowledged || std::find(texts.begin(), texts.end(), record.text) != texts.end(),
+                   record.text + " is not there");
+        }
+    }
+
+    void expect(bool holds, const std::string& what) {
+        failures.expect(holds, stage.title() + ", " + title() + ": " + what);
+    }
+
+    template <typename Operation>
+    void attempt(const std::string& what, Operation operation) {
+        const std::uint64_t before = calls.failed;
+        try {
+            operation();
+        } catch (const standalone::DatabaseError& error) {
+            ++thrown;
+            expectTelling(what, error, calls.failed > before);
+        } catch (const std::exception& exception) {
+            expect(false, what + ": not the platform's exception: " + exception.what());
+        }
+    }
+
+    void expectTelling(const std::string& what, const standalone::DatabaseError& error, bool callsFailed) {
+        using standalone::Failure;
+        const std::string message = error.what();
+        const bool isStill = stage.isDamaged() || fault.lasts;
+        expect(callsFailed || isStill || error.kind() == Failure::Missing,
+               what + " fails without a reason: " + message);
+        expect(message.rfind(stage.place().parent_path().string(), 0) == 0, what + ": names no file: " + message);
+        const bool blamesFile =
+            error.kind() == Failure::Damaged || error.kind() == Failure::Foreign || error.kind() == Failure::Newer;
+        expect(stage.isDamaged() || !blamesFile, what + ": blames the file: " + message);
+    }
+
+    const Stage& stage;
+    Fault fault;
+    support::Failures& failures;
+    std::unique_ptr<lgb::IDatabase> database;
+    std::vector<support::Added> added;
+    std::uint64_t thrown = 0;
+};
+
+void runWith(const Fault& fault, const Stage& stage, Figures& figures, support::Failures& failures) {
+    Session session(stage, fault, failures);
+    session.work();
+    failures.expect(calls.failed > 0, stage.title() + ", " + session.title() + ": is not reached again");
+    const bool isForWantOfSpace = stage.isDamaged() && fault.kind->error == ENOSPC;
+    stage.look(session.title(), session.addedRecords(), figures.aftermath, failures, isForWantOfSpace);
+    ++figures.faults;
+    figures.thrown += session.thrownInAll();
+    figures.unnoticed += session.thrownInAll() == 0 ? 1U : 0U;
+}
+
+void failEachCall(const Stage& stage, std::size_t first, std::size_t every, Figures& figures,
+                  support::Failures& failures) {
+    Session(stage, {0, nullptr, false}, failures).work();
+    const std::vector<SystemCall> made = calls.made;
+    for (std::size_t call = first; call < made.size(); call += every) {
+        ++figures.calls;
+        for (const Kind& kind : kinds()) {
+            const Fault once{call, &kind, false};
+            if (once.concerns(made[call])) {
+                runWith(once, stage, figures, failures);
+                if (kind.mayLast) {
+                    runWith({call, &kind, true}, stage, figures, failures);
+                }
+            }
+        }
+    }
+}
+
+int run(int argc, char** argv) {
+    std::uint64_t every = usualEvery;
+    const support::Extent extent = support::extentOf(argc, argv, 1, {{"--every", &every, "fail only each n-th call"}});
+    Random random(extent.seed);
+    Figures figures;
+    support::Failures failures;
+    {
+        support::CapturedErrors errors;
+        for (const support::Scene& scene : support::scenes()) {
+            const Stage stage(scene);
+            for (std::uint64_t round = 0; round < extent.rounds; ++round) {
+                const auto first = support::upTo(random, static_cast<std::int64_t>(every) - 1);
+                failEachCall(stage, static_cast<std::size_t>(first), static_cast<std::size_t>(every), figures,
+                             failures);
+                errors.take();
+            }
+        }
+    }
+    const auto number = [](std::uint64_t value) { return std::to_string(value); };
+    return failures.conclude("failing calls: " + number(figures.faults) + " faults at " + number(figures.calls) +
+                             " calls, " + number(figures.thrown) + " operations failed, " + number(figures.unnoticed) +
+                             " faults without any, " + number(figures.aftermath.lost) + " lost, " +
+                             number(figures.aftermath.strange) + " with other records, " +
+                             number(figures.aftermath.leftBehind) + " with files left behind, " +
+                             number(figures.aftermath.refused) + " can't record");
+}
+
+}  // namespace
+
+#pragma GCC visibility push(default)
+
+// Whoever waits for what will not come does so a hundred times as fast.
+extern "C" int clockTime(clockid_t clock, struct timespec* time) TQZEL_INSTEAD_OF(clock_gettime);
+extern "C" int sleepFor(useconds_t microseconds) TQZEL_INSTEAD_OF(usleep);
+
+extern "C" int sleepFor(useconds_t microseconds) {
+    return support::callBehind<int>("usleep", microseconds / 100);
+}
+
+extern "C" int clockTime(clockid_t clock, struct timespec* time) {
+    const int outcome = support::callBehind<int>("clock_gettime", clock, time);
+    if (clock == CLOCK_MONOTONIC) {
+        const std::int64_t nanoseconds = 100 * (std::int64_t{time->tv_sec} * 1000000000 + time->tv_nsec);
+        *time = {static_cast<time_t>(nanoseconds / 1000000000), static_cast<long>(nanoseconds % 1000000000)};
+    }
+    return outcome;
+}
+
+#pragma GCC visibility pop
+
+int main(int argc, char** argv) {
+    return support::outcomeOf(run, argc, argv);
+}

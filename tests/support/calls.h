@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+// What a test does in place of the system calls of this program, SQLite's too, and of the processes that it forks. For
+// programs that link calls.cpp.
+
+namespace support {
+
+/// A system call that concerns files.
+enum class SystemCall {
+    Open,
+    OpenToWrite,
+    Close,
+    Read,
+    Write,
+    Truncate,
+    Allot,  ///< space
+    Sync,
+    Unlink,
+    Rename,
+    MakeFolder,
+    Lock,
+    Control,  ///< of locks let go of, and all else that fcntl does
+    Status,
+};
+
+/// What becomes of a call; by itself, it is made.
+struct Fate {
+    int error = 0;        ///< it fails with this one
+    int signal = 0;       ///< the process gets it before the call
+    bool isHalf = false;  ///< half of the bytes are written before either
+};
+
+/// Tells what becomes of each call; none: it is made.
+using Fates = Fate (*)(SystemCall call);
+
+/// From now on.
+void setFates(Fates fates);
+
+}  // namespace support
