@@ -94,6 +94,9 @@ void NewFile::attempt(Operation operation) {
     try {
         operation();
     } catch (const SqliteError& exception) {
+        if (failureOf(exception) == Failure::Damaged) {  // not a file of ours that is just being made
+            throw DatabaseError(Failure::InputOutput, file + ": " + exception.what());
+        }
         refuse(file, exception);
     }
 }

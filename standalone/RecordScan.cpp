@@ -124,42 +124,42 @@ void RecordScan::lookThrough(const PageImage& image) {
     const std::string page = pages.bytesOf(image);
     for (std::size_t at = 0; at + shortest < page.size(); ++at) {
         if (page[at] != 0) {
-            lookForRecord(page, at, image);
-            lookForRow(page, at, image);
+            if (const auto cell = cells::cellAt(page, at, pages.allBytes())) {
+                lookForRecord(page, at, *cell, image);
+                lookForRow(page, *cell, image);
+            }
             lookForIndexedHead(page, at, image);
         }
     }
 }
 
-void RecordScan::lookForRecord(std::string_view page, std::size_t at, const PageImage& image) {
-    const auto cell = cells::cellAt(page, at, pages.allBytes());
-    if (!cell || !mayHoldRecord(page, *cell)) {
+void RecordScan::lookForRecord(std::string_view page, std::size_t at, const cells::Cell& cell, const PageImage& image) {
+    if (!mayHoldRecord(page, cell)) {
         return;
     }
     for (const Version chain : {Version::AsItWasThen, Version::Latest}) {
-        const auto payload = payloadOf(pages, page, *cell, image, chain, tellNobody);
-        if (const auto record = payload ? recordIn(*payload, cell->rowId) : std::nullopt) {
-            candidates.push_back({cell->rowId, record->second ^ checksum(record->first, noId), image, at,
-                                  cell->payloadAt + cell->localBytes, chain});
+        const auto payload = payloadOf(pages, page, cell, image, chain, tellNobody);
+        if (const auto record = payload ? recordIn(*payload, cell.rowId) : std::nullopt) {
+            candidates.push_back({cell.rowId, record->second ^ checksum(record->first, noId), image, at,
+                                  cell.payloadAt + cell.localBytes, chain});
         }
-        if (cell->localBytes == cell->payloadBytes) {
+        if (cell.localBytes == cell.payloadBytes) {
             return;
         }
     }
 }
 
-void RecordScan::lookForRow(std::string_view page, std::size_t at, const PageImage& image) {
-    const auto cell = cells::cellAt(page, at, pages.allBytes());
-    if (!cell || !mayHoldRow(*cell)) {
+void RecordScan::lookForRow(std::string_view page, const cells::Cell& cell, const PageImage& image) {
+    if (!mayHoldRow(cell)) {
         return;
     }
-    const std::string_view payload = page.substr(cell->payloadAt, cell->localBytes);
+    const std::string_view payload = page.substr(cell.payloadAt, cell.localBytes);
     if (const auto head = headIn(cells::valuesOf(payload, 4))) {
         heads.push_back({*head, image});
     }
     const Values range = cells::valuesOf(payload, 3);
     if (range && (*range)[0].type == Value::Type::Null && areIntegers(*range, {1, 2})) {
-        ranges.push_back({cell->rowId, (*range)[1].number, (*range)[2].number});
+        ranges.push_back({cell.rowId, (*range)[1].number, (*range)[2].number});
     }
 }
 

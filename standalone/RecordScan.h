@@ -3,6 +3,7 @@
 #include "LogbookHead.h"
 #include "LogbookPages.h"
 #include "LostRanges.h"
+#include "cells.h"
 #include "checksum.h"
 
 #include <cstdint>
@@ -104,8 +105,8 @@ private:
     };
 
     void lookThrough(const PageImage& image);
-    void lookForRecord(std::string_view page, std::size_t at, const PageImage& image);
-    void lookForRow(std::string_view page, std::size_t at, const PageImage& image);
+    void lookForRecord(std::string_view page, std::size_t at, const cells::Cell& cell, const PageImage& image);
+    void lookForRow(std::string_view page, const cells::Cell& cell, const PageImage& image);
     void lookForIndexedHead(std::string_view page, std::size_t at, const PageImage& image);
     void choose();
     void keep(std::uint32_t signature);

@@ -201,7 +201,8 @@ private:
     void expectTelling(const std::string& what, const standalone::DatabaseError& error, bool callsFailed) {
         using standalone::Failure;
         const std::string message = error.what();
-        const bool isStill = stage.isDamaged() || fault.lasts;
+        // What was written in half may need somebody who may write before it can be read.
+        const bool isStill = stage.isDamaged() || fault.lasts || fault.kind->isHalf;
         expect(callsFailed || isStill || error.kind() == Failure::Missing,
                what + " fails without a reason: " + message);
         expect(message.rfind(stage.place().parent_path().string(), 0) == 0, what + ": names no file: " + message);
@@ -249,13 +250,20 @@ void failEachCall(const Stage& stage, std::size_t first, std::size_t every, Figu
 
 int run(int argc, char** argv) {
     std::uint64_t every = usualEvery;
-    const support::Extent extent = support::extentOf(argc, argv, 1, {{"--every", &every, "fail only each n-th call"}});
+    bool isQuick = false;
+    const support::Extent extent = support::extentOf(
+        argc, argv, 1,
+        {{"--every", &every, "fail only each n-th call"},
+         {"--quick", &isQuick, "leave out damaged logbooks of many records, which take long to heal"}});
     Random random(extent.seed);
     Figures figures;
     support::Failures failures;
     {
         support::CapturedErrors errors;
         for (const support::Scene& scene : support::scenes()) {
+            if (isQuick && !scene.isSmall()) {
+                continue;
+            }
             const Stage stage(scene);
             for (std::uint64_t round = 0; round < extent.rounds; ++round) {
                 const auto first = support::upTo(random, static_cast<std::int64_t>(every) - 1);

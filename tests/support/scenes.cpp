@@ -204,7 +204,39 @@ const std::vector<Scene>& scenes() {
              folder["lgbCustomer.damaged-2.db"] = "another";
              return folder;
          }},
-
+        {"a record changed among few", 4, 3, true,
+         [] {
+             Folder folder = closed(4, 6);
+             flipByte(databaseIn(folder), databaseIn(folder).find("record 5") + 12);
+             return folder;
+         }},
+        {"a damaged log of few", 4, 4, true,
+         [] {
+             Folder folder = killed(4, 6, 3);
+             flipByte(logIn(folder), 32 + frameBytes + 600);
+             return folder;
+         }},
+        {"a log of few, damaged near its end", 4, 4, true,
+         [] {
+             Folder folder = killed(4, 6, 3);
+             flipByte(logIn(folder), lastFrame(logIn(folder)) - frameBytes + 300);
+             return folder;
+         }},
+        {"a page of few lost for the third time", 4, 0, true,
+         [] {
+             Folder folder = closed(4, 6);
+             losePage(folder, 1);
+             folder["lgbCustomer.damaged-1.db"] = "one";
+             folder["lgbCustomer.damaged-2.db"] = "another";
+             return folder;
+         }},
+        {"the log of another logbook beside few", 4, 4, true,
+         [] {
+             Folder folder = closed(4, 6);
+             Folder other = killed(4, 2, 2);
+             logIn(folder) = logIn(other);
+             return folder;
+         }},
     };
     return all;
 }

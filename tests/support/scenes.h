@@ -25,6 +25,9 @@ struct Scene {
     std::size_t records;  ///< that an undisturbed process finds, at least
     bool isDamaged;       ///< so that something may be set aside
     Folder (*begin)();
+
+    /// Whether it is healed in no time, if at all.
+    bool isSmall() const { return !isDamaged || capacity <= 4; }
 };
 
 /// Whole ones, and one for each way to heal.
