@@ -291,18 +291,14 @@ LogFindings findingsIn(const LogbookFiles& files) {
     return found;
 }
 
-OpenedLogbook openFound(const LogbookFiles& files, const WantedCapacity& wanted, const LogFindings& log) {
-    return {std::make_unique<LogbookFile>(files, wanted, log), log.cutOff, log.isTorn, 0};
-}
-
 OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted) {
     const bool isNew = finishHealing(files) || makeIfMissing(files, wanted.records);
-    const LogFindings log = isNew ? LogFindings() : findingsIn(files);
+    LogFindings log = isNew ? LogFindings() : findingsIn(files);
     bool isUsable = false;
     try {
-        OpenedLogbook opened = openFound(files, wanted, log);
-        if (opened.file->isSound()) {
-            return opened;
+        auto file = std::make_unique<LogbookFile>(files, wanted, log);
+        if (file->isSound()) {
+            return {std::move(file), std::move(log)};
         }
         isUsable = true;
     } catch (const DatabaseError& damage) {
@@ -311,7 +307,9 @@ OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted
         }
     }
     try {
-        return openFound(files, wanted, heal(files, wanted) ? LogFindings() : log);
+        if (heal(files, wanted)) {
+            log = LogFindings();
+        }
     } catch (const DatabaseError& trouble) {
         if (!isUsable || trouble.kind() != Failure::Full) {
             throw;
@@ -319,9 +317,8 @@ OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted
         report(Level::Error,
                std::string(trouble.what()) + "; the logbook can't be healed, and what is damaged is left out");
     }
-    OpenedLogbook opened = openFound(files, wanted, LogFindings());
-    opened.newestKnown = log.newestKnown(opened.file->id());
-    return opened;
+    auto file = std::make_unique<LogbookFile>(files, wanted, log);
+    return {std::move(file), std::move(log)};
 }
 
 /// On a disk that is too full for it there would be a logbook that can't be opened, or not again.

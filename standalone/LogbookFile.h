@@ -108,9 +108,7 @@ private:
 /// A logbook that was opened.
 struct OpenedLogbook {
     std::unique_ptr<LogbookFile> file;
-    std::vector<FoundRecord> cutOff;  ///< what its log held of a transaction whose end is missing
-    bool isTorn;                      ///< whether its log holds anything behind what SQLite sees
-    std::int64_t newestKnown;         ///< of the numbers given out, where not all of them can be brought back
+    LogFindings log;  ///< what its log held that SQLite does not see
 };
 
 /// Opens a logbook; makes it when there is none, and heals it when it is damaged.

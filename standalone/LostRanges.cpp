@@ -4,6 +4,15 @@
 
 namespace standalone {
 
+std::string textOf(const std::vector<LostRange>& ranges) {
+    std::string text;
+    for (const LostRange& range : ranges) {
+        text += (text.empty() ? "" : ", ") + std::to_string(range.first);
+        text += range.first == range.last ? "" : " to " + std::to_string(range.last);
+    }
+    return text;
+}
+
 std::int64_t LostRanges::before(std::int64_t newest, std::int64_t records) const {
     std::int64_t number = newest;
     for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {

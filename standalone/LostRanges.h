@@ -3,10 +3,14 @@
 #include "LostRange.h"
 
 #include <cstdint>
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace standalone {
+
+/// "3 to 7, 9"
+std::string textOf(const std::vector<LostRange>& ranges);
 
 /// The gaps in the numbers of a logbook, oldest first. Records count up without any other.
 class LostRanges {

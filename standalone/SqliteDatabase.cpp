@@ -44,29 +44,14 @@ NumberedRecord numbered(std::int64_t number, const FoundRecord& record) {
     return {number, record.seconds, record.nanoseconds, record.time, record.json};
 }
 
-/// Ascending numbers for a line in the log: those that follow one another in one.
-class Ranges {
-public:
-    void add(std::int64_t first, std::int64_t last) {
-        if (!all.empty() && all.back().second + 1 == first) {
-            all.back().second = last;
-        } else {
-            all.emplace_back(first, last);
-        }
+/// Ascending numbers: those that follow one another make one range.
+void extend(std::vector<LostRange>& ranges, std::int64_t first, std::int64_t last) {
+    if (!ranges.empty() && ranges.back().last + 1 == first) {
+        ranges.back().last = last;
+    } else {
+        ranges.push_back({first, last, 0});
     }
-
-    std::string text() const {
-        std::string text;
-        for (const auto& [first, last] : all) {
-            text += (text.empty() ? "" : ", ") + std::to_string(first);
-            text += first == last ? "" : " to " + std::to_string(last);
-        }
-        return text;
-    }
-
-private:
-    std::vector<std::pair<std::int64_t, std::int64_t>> all;
-};
+}
 
 }  // namespace
 
@@ -147,13 +132,20 @@ struct SqliteDatabase::Session {
         }
     }
 
-    void lose(std::int64_t first, std::int64_t last) {
+    /// Gives up all numbers up to this one that have not been given out.
+    void loseTo(std::int64_t number, std::vector<LostRange>& newlyLost) {
+        const std::int64_t first = numbers().newest + 1;
+        if (number < first) {
+            return;
+        }
         const auto now = std::chrono::system_clock::now().time_since_epoch();
         Statement insertLost(connection, schema::insertLost);
         insertLost.bind(1, first);
-        insertLost.bind(2, last);
+        insertLost.bind(2, number);
         insertLost.bind(3, std::chrono::duration_cast<std::chrono::seconds>(now).count());
         insertLost.run();
+        lost = lostOf(connection);
+        extend(newlyLost, first, number);
     }
 
     std::vector<FoundRecord> newestRecords() {
@@ -280,7 +272,7 @@ void SqliteDatabase::open(Access access) {
     try {
         OpenedLogbook opened = openLogbook(files, wanted);
         session = std::make_unique<Session>(std::move(opened.file));
-        settle(opened);
+        settle(opened.log);
     } catch (const DatabaseError& refusal) {
         if (access == Access::Writing || refusal.kind() != Failure::ReadOnly || !stateOf(files.database)) {
             throw;
@@ -301,65 +293,58 @@ void SqliteDatabase::openForReading() {
 }
 
 /// Sees to it that nothing is left of what happened to the logbook before.
-void SqliteDatabase::settle(const OpenedLogbook& opened) {
+void SqliteDatabase::settle(LogFindings& log) {
     try {
-        putBack(opened);
+        putBack(log);
     } catch (...) {
         session.reset();
         throw;
     }
     leftRecords.clear();
     session->file->noteSettled();
-    if (opened.isTorn) {  // what is torn would look committed behind frames to come
+    if (log.isTorn) {  // what is torn would look committed behind frames to come
         session->file->noteNewest(session->numbers().newest);
         session->file->emptyLog();
     }
 }
 
 /// What was cut off in a log, and what a file that was left holds of the newest records and the file does not.
-void SqliteDatabase::putBack(const OpenedLogbook& opened) {
-    std::vector<FoundRecord> records = leftRecords;
+void SqliteDatabase::putBack(LogFindings& log) {
     if (leftId != session->id) {
-        records.clear();
+        leftRecords.clear();
+        leftId = session->id;
     }
     std::int64_t next = session->numbers().newest + 1;
-    for (const FoundRecord& record : opened.cutOff) {
+    for (FoundRecord& record : log.cutOff) {
         if (record.number == next) {
-            records.push_back(record);
+            leftRecords.push_back(std::move(record));
             ++next;
         }
     }
-    if (records.empty() && opened.newestKnown < next) {
+    const std::int64_t newestKnown = log.newestKnown(session->id);
+    if (leftRecords.empty() && newestKnown < next) {
         return;
     }
     Transaction transaction(session->transactions);
-    auto [last, capacity] = session->numbers();
-    Ranges putBack;
-    Ranges lost;
-    const auto loseTo = [&, &end = last](std::int64_t number) {
-        if (number > end) {
-            session->lose(end + 1, number);
-            lost.add(end + 1, number);
-            end = number;
+    std::vector<LostRange> added;
+    std::vector<LostRange> lost;
+    for (const FoundRecord& record : leftRecords) {
+        if (!session->holds(record)) {
+            session->loseTo(record.number - 1, lost);
+            const std::int64_t number = session->numbers().newest + 1;
+            session->insert(numbered(number, record));
+            extend(added, number, number);
         }
-    };
-    for (const FoundRecord& record : records) {
-        if (session->holds(record)) {
-            continue;
-        }
-        const std::int64_t number = std::max(record.number, last + 1);
-        loseTo(number - 1);
-        session->insert(numbered(number, record));
-        putBack.add(number, number);
-        last = number;
     }
-    loseTo(opened.newestKnown);
-    const LostRanges lostNow = lostOf(session->connection);
-    session->keepCapacity(last, capacity, lostNow);
+    session->loseTo(newestKnown, lost);
+    session->keepCapacity(session->numbers().newest, session->numbers().capacity, session->lost);
     transaction.commit();
-    session->lost = lostNow;
-    const std::string line = (putBack.text().empty() ? "" : "; put back: " + putBack.text()) +
-                             (lost.text().empty() ? "" : "; lost: " + lost.text());
+    tellOf(added, lost);
+}
+
+void SqliteDatabase::tellOf(const std::vector<LostRange>& added, const std::vector<LostRange>& lost) const {
+    const std::string line =
+        (added.empty() ? "" : "; put back: " + textOf(added)) + (lost.empty() ? "" : "; lost: " + textOf(lost));
     if (!line.empty()) {
         report(Level::Error, files.database + ": " + line.substr(2));
     }

@@ -77,8 +77,9 @@ private:
     void followTo(Whose whose);
     void open(Access access);
     void openForReading();
-    void settle(const OpenedLogbook& opened);
-    void putBack(const OpenedLogbook& opened);
+    void settle(LogFindings& log);
+    void putBack(LogFindings& log);
+    void tellOf(const std::vector<LostRange>& added, const std::vector<LostRange>& lost) const;
     void tellOfFullDisk();
 
     std::mutex mutex;  // statements are not to be shared

@@ -124,15 +124,11 @@ std::optional<std::string> damageOf(const std::string& copy, const LogFindings& 
     }
 }
 
-std::string rangeText(const LostRange& range) {
-    return std::to_string(range.first) + (range.last == range.first ? "" : " to " + std::to_string(range.last));
-}
-
 void tell(const LogbookFiles& files, const std::string& damage, const std::string& aside, const Remains& remains) {
     std::string line = files.database + ": " + damage + "; healed with " + std::to_string(remains.numbers.size()) +
                        " records, the damaged files are kept as " + aside;
-    for (const LostRange& range : remains.newlyLost) {
-        line += (&range == &remains.newlyLost.front() ? "; lost: " : ", ") + rangeText(range);
+    if (!remains.newlyLost.empty()) {
+        line += "; lost: " + textOf(remains.newlyLost);
     }
     report(Level::Error, line);
 }

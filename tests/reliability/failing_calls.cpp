@@ -5,15 +5,13 @@
 
 #include "CapturedErrors.h"
 #include "Check.h"
+#include "Hurry.h"
 #include "calls.h"
-#include "insteadOf.h"
 #include "random.h"
 #include "scenes.h"
 
 #include <standalone/LogbookReader.h>
 #include <standalone/errors.h>
-
-#include <time.h>
 
 #include <algorithm>
 #include <array>
@@ -255,6 +253,7 @@ int run(int argc, char** argv) {
         argc, argv, 1,
         {{"--every", &every, "fail only each n-th call"},
          {"--quick", &isQuick, "leave out damaged logbooks of many records, which take long to heal"}});
+    const support::Hurry hurry;
     Random random(extent.seed);
     Figures figures;
     support::Failures failures;
@@ -283,27 +282,6 @@ int run(int argc, char** argv) {
 }
 
 }  // namespace
-
-#pragma GCC visibility push(default)
-
-// Whoever waits for what will not come does so a hundred times as fast.
-extern "C" int clockTime(clockid_t clock, struct timespec* time) TQZEL_INSTEAD_OF(clock_gettime);
-extern "C" int sleepFor(useconds_t microseconds) TQZEL_INSTEAD_OF(usleep);
-
-extern "C" int sleepFor(useconds_t microseconds) {
-    return support::callBehind<int>("usleep", microseconds / 100);
-}
-
-extern "C" int clockTime(clockid_t clock, struct timespec* time) {
-    const int outcome = support::callBehind<int>("clock_gettime", clock, time);
-    if (clock == CLOCK_MONOTONIC) {
-        const std::int64_t nanoseconds = 100 * (std::int64_t{time->tv_sec} * 1000000000 + time->tv_nsec);
-        *time = {static_cast<time_t>(nanoseconds / 1000000000), static_cast<long>(nanoseconds % 1000000000)};
-    }
-    return outcome;
-}
-
-#pragma GCC visibility pop
 
 int main(int argc, char** argv) {
     return support::outcomeOf(run, argc, argv);

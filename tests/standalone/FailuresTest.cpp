@@ -1,5 +1,6 @@
 // What keeps a logbook from being used, told by its kind.
 
+#include "Hurry.h"
 #include "SqliteLogbook.h"
 
 #include <standalone/LogbookReader.h>
@@ -7,6 +8,8 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -23,8 +26,34 @@ TEST_F(LogbookFailure, IsBusyWhenAnotherHoldsItLonger) {
     const auto database = open();
     SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
     const SQLite::Transaction transaction(other, SQLite::TransactionBehavior::IMMEDIATE);
+    const support::Hurry hurry;
     EXPECT_EQ(refusalOf([&] { add(*database, "a"); }),
               (Refusal{Failure::Busy, file.string() + ": database is locked"}));
+}
+
+TEST_F(LogbookFailure, IsBusyWhileAnotherOpensOrHealsItLonger) {
+    open();
+    const int lock = ::open((file.string() + "-lock").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    {
+        const support::Hurry hurry;
+        EXPECT_EQ(refusal(), (Refusal{Failure::Busy, file.string() + ": another process is opening or healing it"}));
+    }
+    close(lock);
+    EXPECT_EQ(refusal(), std::nullopt);
+}
+
+TEST_F(LogbookFailure, IsBusyWhileAnotherReadsAFileWithoutALog) {
+    add(*open(), "a");
+    SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
+    other.exec("PRAGMA journal_mode = DELETE");
+    {
+        const SQLite::Transaction transaction(other);
+        other.execAndGet("SELECT count(*) FROM record");
+        const support::Hurry hurry;
+        EXPECT_EQ(refusal(), (Refusal{Failure::Busy, file.string() + ": database is locked"}));
+    }
+    EXPECT_EQ(stored(), Texts{"a"});
 }
 
 TEST_F(LogbookFailure, IsMissingWhenThereIsNoneToRead) {
@@ -32,13 +61,59 @@ TEST_F(LogbookFailure, IsMissingWhenThereIsNoneToRead) {
               (Refusal{Failure::Missing, file.string() + ": there is no such logbook"}));
 }
 
-TEST_F(LogbookFailure, IsDeniedToThoseWithoutRights) {
-    if (getuid() == 0) {
-        GTEST_SKIP() << "root has every right";
+/// What root may do is taken away for as long as this lasts.
+class WithoutRights {
+public:
+    WithoutRights() { become(nobody, nobody); }
+
+    WithoutRights(const WithoutRights&) = delete;
+    WithoutRights& operator=(const WithoutRights&) = delete;
+
+    ~WithoutRights() { become(user, user); }
+
+private:
+    static constexpr uid_t nobody = 65534;
+
+    void become(uid_t real, uid_t effective) const {
+        if (user == 0) {
+            EXPECT_EQ(setresuid(real, effective, user), 0);
+        }
     }
-    add(*open(), "a");
+
+    const uid_t user = getuid();
+};
+
+/// Of a logbook with one record, in a folder that is everybody's.
+class RightsToALogbook : public LogbookFailure {
+protected:
+    RightsToALogbook() {
+        add(*open(), "a");
+        chmod(folder.path().c_str(), 0777);
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+            chmod(entry.path().c_str(), 0666);
+        }
+    }
+
+    const Refusal denied{Failure::Denied, file.string() + ": Permission denied"};
+};
+
+TEST_F(RightsToALogbook, AreNeededToOpenIt) {
     chmod(file.c_str(), 0);
-    EXPECT_EQ(refusal(), (Refusal{Failure::Denied, file.string() + ": Permission denied"}));
+    const WithoutRights nobody;
+    EXPECT_EQ(refusal(), denied);
+}
+
+TEST_F(RightsToALogbook, AreNeededToWriteToIt) {
+    chmod(file.c_str(), 0444);
+    const WithoutRights nobody;
+    EXPECT_EQ(refusal(), denied);
+    EXPECT_EQ(LogbookReader(file).count(), 1);
+}
+
+TEST_F(RightsToALogbook, AreNeededToReadIt) {
+    chmod(file.c_str(), 0);
+    const WithoutRights nobody;
+    EXPECT_EQ(refusalOf([&] { LogbookReader reader(file); }), denied);
 }
 
 /// A file system of its own, which can be made read-only: needs the right to mount.

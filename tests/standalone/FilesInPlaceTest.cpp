@@ -104,6 +104,16 @@ TEST_F(LogbookInUse, KeepsWhatItHasBeyondAnOlderCopyThatIsPutBack) {
     EXPECT_EQ(stored(), countingDown(21, 1));
 }
 
+TEST_F(LogbookInUse, IsRefusedWhileItsProcessStillUsesWhatIsGone) {
+    auto other = open(100);
+    std::filesystem::remove(index);
+    EXPECT_EQ(refusalOf([&] { add(*database, "11"); }),
+              (Refusal{Failure::Busy, index.string() + ": was removed, and is still in use by this process"}));
+    other.reset();
+    add(*database, "11");
+    EXPECT_EQ(stored(), countingDown(11, 1));
+}
+
 TEST_F(LogbookInUse, IsFollowedByAReader) {
     LogbookReader reader(file);
     const std::string before = reader.description().id;
@@ -171,6 +181,21 @@ TEST_F(ClosedLogbook, SaysNothingWhenNothingHappened) {
                   open();
               }),
               "");
+}
+
+TEST_F(ClosedLogbook, IsMadeAnewBesideALogThatHoldsSomething) {
+    const pid_t writer = fork();
+    if (writer == 0) {
+        addNumbers(*open().release(), 1, 10);
+        _exit(0);
+    }
+    waitpid(writer, nullptr, 0);
+    std::filesystem::remove(file);
+    EXPECT_THAT(toldBy([this] { open(); }),
+                HasSubstr("error libTqZelPlatform: " + log.string() + ": is the log of another logbook, and kept as " +
+                          (folder / "lgbTest.damaged-1.db-wal").string() + "\n"));
+    add(*open(), "a");
+    EXPECT_EQ(stored(), Texts{"a"});
 }
 
 TEST_F(ClosedLogbook, IsMadeInAFolderWithALogThatWasLeft) {

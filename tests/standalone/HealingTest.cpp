@@ -6,6 +6,7 @@
 #include <standalone/Salvage.h>
 
 #include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -329,6 +330,63 @@ TEST_F(DamagedLogbook, IsRefusedForSalvageWhenNothingOfItIsALogbook) {
               (Refusal{Failure::Foreign, file.string() + ": nothing in it is of a logbook"}));
     EXPECT_EQ(refusalOf([this] { const Salvage salvage(folder / "none.db"); }),
               (Refusal{Failure::Missing, (folder / "none.db").string() + ": there is no such file"}));
+}
+
+TEST_F(DamagedLogbook, HoldsNoNumberThatWasCleared) {
+    const auto database = open();
+    addTexts(*database, 1, 2);
+    database->clear();
+    addTexts(*database, 3, 5);
+    execute("UPDATE record SET number = number - 1");
+    EXPECT_THAT(toldBy([this] { open(); }),
+                HasSubstr(": damaged: record 2 is there, but all up to 2 were cleared; healed with "));
+}
+
+TEST_F(DamagedLogbook, SaysNothingElseInItsHeader) {
+    addTexts(*open(), 1, 3);
+    std::string content = support::contentOf(file);
+    content[47] = 1;  // tables would be of an older format
+    support::write(file, content);
+    EXPECT_THAT(toldBy([this] { open(); }),
+                HasSubstr(": damaged: its header is not that of a logbook; healed with 3 "));
+    EXPECT_EQ(stored(), textsDown(3, 1));
+}
+
+TEST_F(DamagedLogbook, HoldsTextsInUtf8Only) {
+    addTexts(*open(), 1, 3);
+    {
+        SQLite::Database made(file.string());
+        SQLite::Database other((folder / "other.db").string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+        other.exec("PRAGMA encoding = 'UTF-16'");
+        for (const char* const pragma : {"application_id", "user_version", "page_size"}) {
+            const std::string set = std::string("PRAGMA ") + pragma;
+            other.exec(set + " = " + made.execAndGet(set).getString());
+        }
+        SQLite::Statement tables(made, "SELECT sql FROM sqlite_master WHERE sql IS NOT NULL");
+        while (tables.executeStep()) {
+            other.exec(tables.getColumn(0).getString());
+        }
+    }
+    EXPECT_EQ(refusalOf([this] { LogbookReader reader(folder / "other.db"); }),
+              (Refusal{Failure::Damaged,
+                       (folder / "other.db").string() + ": damaged: its tables are not those of a logbook"}));
+}
+
+TEST_F(DamagedLogbook, KeepsWhatWasKnownToBeLostWhenItIsDamagedAgain) {
+    constexpr std::uint32_t capacity = 30;
+    addTexts(*open(capacity), 1, 40);
+    spoil("record 20 of");
+    addTexts(*open(capacity), 41, 42);
+    ASSERT_THAT(lost(), ElementsAre(Range{20, 20}));
+    const std::int64_t found = LogbookReader(file).description().lost[0].found;
+    spoil("record 30 of");
+    open(capacity);
+    EXPECT_THAT(lost(), ElementsAre(Range{20, 20}, Range{30, 30}));
+    EXPECT_EQ(LogbookReader(file).description().lost[0].found, found);
+    overwritePage(2, 0);
+    open(capacity);
+    EXPECT_THAT(lost(), ElementsAre(Range{20, 20}, Range{30, 30}));
+    EXPECT_EQ(stored().size(), capacity - 1);  // 42 to 12, but for these
 }
 
 /// What may change in a record without changing the structure of the file.
