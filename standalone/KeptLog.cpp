@@ -8,20 +8,15 @@ KeptLog::KeptLog(sqlite3* connection) {
     static_assert(offsetof(Functions, changed) == 0, "a file leads to what stands behind its functions");
     sqlite3_file* log = nullptr;
     sqlite3_file_control(connection, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
-    if (log == nullptr || log->pMethods == nullptr) {
-        return;
-    }
     functions.itself = log->pMethods;
     functions.changed = *log->pMethods;
     functions.changed.xTruncate = cut;
     log->pMethods = &functions.changed;
 }
 
-int KeptLog::cut(sqlite3_file* log, sqlite3_int64 size) {
+/// To nothing: no limit of its size is set.
+int KeptLog::cut(sqlite3_file* log, sqlite3_int64) {
     const auto& own = *reinterpret_cast<const Functions*>(log->pMethods);
-    if (size > 0) {
-        return own.itself->xTruncate(log, size);
-    }
     LogMark::Bytes found{};
     if (own.itself->xRead(log, found.data(), static_cast<int>(found.size()), 0) == SQLITE_OK && found == own.mark) {
         return SQLITE_OK;

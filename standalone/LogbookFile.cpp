@@ -242,10 +242,7 @@ void LogbookFile::growTo(const WantedCapacity& wanted) {
         TransactionStatements statements(connection, TransactionStatements::writing);
         Transaction transaction(statements);
         content.head = headOf(connection);
-        if (!isMore(content.head.capacity)) {
-            return;
-        }
-        content.head.capacity = wanted.records;
+        content.head.capacity = isMore(content.head.capacity) ? wanted.records : content.head.capacity;
         writeHead(connection, content.head);
         transaction.commit();
     }

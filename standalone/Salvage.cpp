@@ -13,11 +13,7 @@ RecordScan scanOf(const std::string& file, const Salvage::Progress& progress) {
     if (!stateOf(file)) {
         throw DatabaseError(Failure::Missing, file + ": there is no such file");
     }
-    try {
-        return RecordScan(file, LogbookFiles(file).log, Extent::Everything, progress);
-    } catch (const SqliteError& exception) {
-        refuse(file, exception);
-    }
+    return RecordScan(file, LogbookFiles(file).log, Extent::Everything, progress);
 }
 
 }  // namespace

@@ -193,20 +193,13 @@ void SqliteDatabase::guarded(Access access, const std::function<void()>& operati
             operation();
             return;
         } catch (const SqliteError& exception) {
-            const Failure failure = failureOf(exception);
-            if (tries > 1 || (failure != Failure::Damaged && failure != Failure::ReadOnly)) {
+            if (tries > 1 || !openingAnewHelps(failureOf(exception))) {
                 refuse(files.database, exception);
             }
-            if (failure == Failure::Damaged) {
-                leaveDamaged();
-            } else {
-                session.reset();  // opened when the file could only be read
-            }
         } catch (const Fault& fault) {
-            if (tries > 1) {
+            if (tries > 1 || !openingAnewHelps(fault.kind)) {
                 refuse(files.database, fault);
             }
-            leaveDamaged();
         } catch (const HasMoved&) {
             if (tries == mostTries) {
                 throw DatabaseError(Failure::Busy, files.database + ": is replaced again and again");
@@ -242,12 +235,17 @@ void SqliteDatabase::makeReady(Access access) {
     }
 }
 
-/// Opening anew heals it.
-void SqliteDatabase::leaveDamaged() {
-    if (session && session->file) {
+/// It heals what is damaged, and what could only be read may be written again.
+/// @return whether that was done
+bool SqliteDatabase::openingAnewHelps(Failure failure) {
+    if (failure != Failure::Damaged && failure != Failure::ReadOnly) {
+        return false;
+    }
+    if (failure == Failure::Damaged && session && session->file) {
         session->file->noteDamage();
     }
     session.reset();
+    return true;
 }
 
 /// Closes what is no longer in place, and keeps what only it may have.

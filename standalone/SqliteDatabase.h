@@ -4,6 +4,7 @@
 #include "LogbookFiles.h"
 #include "LostRanges.h"
 #include "Transaction.h"
+#include "errors.h"
 
 #include <lgb/IDatabase.h>
 
@@ -73,7 +74,7 @@ private:
     void makeMore(Room& room);
     void makeReady(Access access);
     void leave(bool silently);
-    void leaveDamaged();
+    bool openingAnewHelps(Failure failure);
     void followTo(Whose whose);
     void open(Access access);
     void openForReading();

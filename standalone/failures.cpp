@@ -55,11 +55,9 @@ Failure failureOf(int error) {
 
 Failure failureOf(const SqliteError& exception) {
     const int code = exception.outcome();
-    if (exception.extendedOutcome() == SQLITE_IOERR_NOMEM) {
-        return Failure::Memory;
-    }
     if (code == SQLITE_IOERR || code == SQLITE_CANTOPEN) {
-        return failureOf(exception.systemError());
+        const bool isMemory = exception.extendedOutcome() == SQLITE_IOERR_NOMEM;
+        return failureOf(isMemory ? ENOMEM : exception.systemError());
     }
     return kindOf(code, ofSqlite, Failure::Damaged);
 }

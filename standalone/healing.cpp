@@ -108,7 +108,9 @@ std::optional<std::string> damageOf(const std::string& copy, const LogFindings& 
         sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
         distrust(connection);
         const Examination found = examine(connection);
-        requireHeader(connection);
+        if (!isWithoutLog(connection)) {
+            requireHeader(connection);
+        }
         return found.damaged.empty() ? log.damageOf(found)
                                      : std::optional("damaged: record " + std::to_string(found.damaged.front()));
     } catch (const Fault& fault) {

@@ -173,6 +173,14 @@ TEST_F(LogbookOnItsOwnMedium, ShowsWhatAKilledWriterLeft) {
     EXPECT_EQ(textsIn(*open()), countingDown(10, 1));
 }
 
+TEST_F(LogbookOnItsOwnMedium, IsRefusedWhenItIsDamagedAndCanNotBeHealed) {
+    add(*open(), "a");
+    execute("INSERT INTO lost VALUES (8, 7, 0)");
+    makeReadOnly(true);
+    EXPECT_EQ(refusal(),
+              (Refusal{Failure::Damaged, file.string() + ": damaged: its list of lost numbers is not in order"}));
+}
+
 TEST_F(LogbookOnItsOwnMedium, IsNotMadeWhereNothingCanBeWritten) {
     makeReadOnly(true);
     EXPECT_EQ(refusal()->first, Failure::ReadOnly);

@@ -1,11 +1,15 @@
 // What happens to the files of a logbook while it is in use, by the hands of others.
 
 #include "SqliteLogbook.h"
+#include "calls.h"
 
 #include <standalone/LogbookReader.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <functional>
+#include <utility>
 
 namespace {
 
@@ -121,6 +125,59 @@ TEST_F(LogbookInUse, IsFollowedByAReader) {
     addNumbers(*database, 11, 12);
     EXPECT_EQ(reader.count(), 2);
     EXPECT_NE(reader.description().id, before);
+}
+
+/// What happens to its files just when the next record is made safe, for as long as there are times left.
+class LogbookInUseMeanwhile : public LogbookInUse {
+protected:
+    LogbookInUseMeanwhile() { self = this; }
+
+    ~LogbookInUseMeanwhile() override { support::setFates(nullptr); }
+
+    void atEachSync(int times, std::function<void()> happens) {
+        left = times;
+        event = std::move(happens);
+        support::setFates([](support::SystemCall call) {
+            if (call == support::SystemCall::Sync && self->left > 0) {
+                --self->left;
+                self->event();
+            }
+            return support::Fate();
+        });
+    }
+
+private:
+    static inline LogbookInUseMeanwhile* self = nullptr;
+    int left = 0;
+    std::function<void()> event;
+};
+
+TEST_F(LogbookInUseMeanwhile, AddsARecordAnewWhenItsFilesAreDeleted) {
+    atEachSync(1, [this] { removeFiles(); });
+    add(*database, "11");
+    EXPECT_EQ(stored(), Texts{"11"});
+}
+
+TEST_F(LogbookInUseMeanwhile, AddsARecordOnceWhenItsLogIsDeleted) {
+    atEachSync(1, [this] { std::filesystem::remove(log); });
+    add(*database, "11");
+    EXPECT_EQ(stored(), countingDown(11, 1));
+}
+
+TEST_F(LogbookInUseMeanwhile, IsClearedWhenItsFilesAreDeleted) {
+    atEachSync(1, [this] { removeFiles(); });
+    database->clear();
+    EXPECT_EQ(stored(), Texts());
+}
+
+TEST_F(LogbookInUseMeanwhile, IsBusyWhenItsFilesAreDeletedAgainAndAgain) {
+    atEachSync(1000, [this] {
+        if (std::filesystem::exists(log) && std::filesystem::file_size(log) > 0) {  // not when it is made anew
+            removeFiles();
+        }
+    });
+    EXPECT_EQ(refusalOf([this] { add(*database, "11"); }),
+              (Refusal{Failure::Busy, file.string() + ": is replaced again and again"}));
 }
 
 /// It is closed when something happens to its files.

@@ -324,12 +324,77 @@ TEST_F(DamagedLogbook, HasItsRecordsSalvagedWithTheirNumbers) {
     EXPECT_EQ(looked.back(), all);
 }
 
+TEST_F(DamagedLogbook, IsLookedAtAgainBeforeARecordOfItIsSalvaged) {
+    addTexts(*open(), 1, 30);
+    const Salvage salvage(file);
+    spoil(text(25));
+    EXPECT_FALSE(salvage.record(25));
+    EXPECT_TRUE(salvage.record(24));
+}
+
 TEST_F(DamagedLogbook, IsRefusedForSalvageWhenNothingOfItIsALogbook) {
     support::write(file, std::string(5000, 'x'));
     EXPECT_EQ(refusalOf([this] { const Salvage salvage(file); }),
               (Refusal{Failure::Foreign, file.string() + ": nothing in it is of a logbook"}));
     EXPECT_EQ(refusalOf([this] { const Salvage salvage(folder / "none.db"); }),
               (Refusal{Failure::Missing, (folder / "none.db").string() + ": there is no such file"}));
+}
+
+/// The two bytes of a page, from 1, where it says where something is.
+class MisleadingPage : public DamagedLogbook {
+protected:
+    void write(std::size_t page, std::size_t at, unsigned int number) const {
+        std::string content = support::contentOf(file);
+        content[(page - 1) * pageBytes + at] = static_cast<char>(number >> 8);
+        content[(page - 1) * pageBytes + at + 1] = static_cast<char>(number);
+        support::write(file, content);
+    }
+
+    static constexpr std::size_t records = 4;
+    static constexpr std::size_t lostNumbers = 5;
+    static constexpr std::size_t firstCellAt = 8;
+    static constexpr std::size_t firstCellOfBranchAt = 12;
+};
+
+TEST_F(MisleadingPage, AtTheRootOfFewRecordsTakesNone) {
+    addTexts(*open(), 1, 3);
+    for (const unsigned int place : {0U, 1023U, 65535U}) {
+        write(records, firstCellAt, place);
+        open();
+        EXPECT_EQ(stored(), textsDown(3, 1)) << place;
+    }
+}
+
+TEST_F(MisleadingPage, AtTheEndOfFewRecordsTakesNone) {
+    addTexts(*open(), 1, 3);
+    for (const unsigned int place : {0U, 1023U, 65535U}) {
+        write(records, firstCellAt + 4, place);
+        open();
+        EXPECT_EQ(stored(), textsDown(3, 1)) << place;
+    }
+}
+
+TEST_F(MisleadingPage, AtTheRootOfManyRecordsTakesNone) {
+    addTexts(*open(200), 1, 200);
+    for (const unsigned int place : {0U, 1023U, 65535U}) {
+        write(records, firstCellOfBranchAt, place);
+        open(200);
+        EXPECT_EQ(stored(), textsDown(200, 1)) << place;
+    }
+}
+
+TEST_F(MisleadingPage, OfLostNumbersTakesNoRecord) {
+    addTexts(*open(30), 1, 40);
+    spoil("record 20 of");
+    open(30);
+    for (const unsigned int place : {0U, 1023U, 65535U}) {
+        write(lostNumbers, firstCellAt, place);
+        open(30);
+        EXPECT_EQ(stored().size(), 29U) << place;
+    }
+    write(lostNumbers, 3, 65535);
+    open(30);
+    EXPECT_EQ(stored().size(), 29U);
 }
 
 TEST_F(DamagedLogbook, HoldsNoNumberThatWasCleared) {

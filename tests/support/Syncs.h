@@ -3,7 +3,7 @@
 #include <atomic>
 
 // Counts for the whole program, and all libraries it loads, how often it waits for the disk. For programs that link
-// Syncs.cpp.
+// Syncs.cpp or calls.cpp.
 
 namespace support {
 

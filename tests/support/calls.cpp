@@ -1,5 +1,6 @@
 #include "calls.h"
 
+#include "Syncs.h"
 #include "insteadOf.h"
 
 #include <fcntl.h>
@@ -99,6 +100,7 @@ int makeFolder(const char* folder, mode_t mode) TQZEL_INSTEAD_OF(mkdir);
 int lockFile(int file, int operation) TQZEL_INSTEAD_OF(flock);
 int control(int file, int command, void* argument) TQZEL_INSTEAD_OF(fcntl);
 int control64(int file, int command, void* argument) TQZEL_INSTEAD_OF(fcntl64);
+int randomBytes(void* bytes, std::size_t count) TQZEL_INSTEAD_OF(getentropy);
 int statusOf(int file, void* status) TQZEL_INSTEAD_OF(fstat);
 int statusOf64(int file, void* status) TQZEL_INSTEAD_OF(fstat64);
 int statusAt(const char* file, void* status) TQZEL_INSTEAD_OF(stat);
@@ -165,10 +167,12 @@ int allotTo64(int file, int mode, std::int64_t offset, std::int64_t bytes) {
 }
 
 int syncFile(int file) {
+    ++support::syncs;
     return support::made<int>(SystemCall::Sync, "fsync", file);
 }
 
 int syncData(int file) {
+    ++support::syncs;
     return support::made<int>(SystemCall::Sync, "fdatasync", file);
 }
 
@@ -198,6 +202,10 @@ int control(int file, int command, void* argument) {
 
 int control64(int file, int command, void* argument) {
     return support::made<int>(support::controlling(command, argument), "fcntl64", file, command, argument);
+}
+
+int randomBytes(void* bytes, std::size_t count) {
+    return support::made<int>(SystemCall::Random, "getentropy", bytes, count);
 }
 
 int statusOf(int file, void* status) {

@@ -22,6 +22,7 @@ enum class SystemCall {
     MakeFolder,
     Lock,
     Control,  ///< of locks let go of, and all else that fcntl does
+    Random,   ///< bytes
     Status,
 };
 

@@ -105,6 +105,14 @@ const std::vector<Scene>& scenes() {
         {"nothing", 20, 0, false, [] { return Folder(); }},
         {"a whole logbook", 20, 20, false, [] { return closed(20, 50); }},
         {"a logbook that is to grow", 600, 20, false, [] { return closed(20, 50); }},
+        {"a logbook that was written without a log", 20, 20, false,
+         [] {
+             Folder folder = closed(20, 50);
+             databaseIn(folder)[18] = '\1';
+             databaseIn(folder)[19] = '\1';
+             folder.erase("lgbCustomer.db-wal");
+             return folder;
+         }},
         {"a log left by a killed writer", 20, 20, false, [] { return killed(20, 45, 9); }},
         {"a page of records lost", 20, 20, true,
          [] {
