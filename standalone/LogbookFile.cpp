@@ -39,8 +39,8 @@ Connection connect(const LogbookFiles& files) {
 
 /// What SQLite would follow, wait for or carry out.
 void requireUsable(const LogbookFiles& files) {
-    for (const std::string& file : {files.database, files.log, files.index}) {
-        stateOf(file);
+    for (const std::string* const file : {&files.database, &files.log, &files.index}) {
+        stateOf(*file);
     }
     const auto journal = stateOf(files.journal);
     if (journal && journal->bytes > 0) {
@@ -320,8 +320,8 @@ OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted
 
 /// On a disk that is too full for it there would be a logbook that can't be opened, or not again.
 void removeNew(const LogbookFiles& files) {
-    for (const std::string& file : {files.database, files.log, files.index}) {
-        removeFile(file);
+    for (const std::string* const file : {&files.database, &files.log, &files.index}) {
+        removeFile(*file);
     }
 }
 

@@ -53,8 +53,11 @@ struct stat statusOf(const std::string& file, int descriptor) {
 }
 
 std::string folderOf(const std::string& path) {
-    const std::string folder = std::filesystem::path(path).parent_path();
-    return folder.empty() ? "." : folder;
+    std::string folder = std::filesystem::path(path).parent_path();
+    if (folder.empty()) {
+        folder = '.';
+    }
+    return folder;
 }
 
 }  // namespace
@@ -198,10 +201,8 @@ bool OpenFile::allot(std::int64_t bytes, bool grows) const {
     return outcome == 0;
 }
 
-void OpenFile::empty() const {
-    if (ftruncate(descriptor, 0) != 0) {
-        refuse(name, errno);
-    }
+bool OpenFile::empty() const noexcept {
+    return ftruncate(descriptor, 0) == 0;
 }
 
 void OpenFile::sync() const {
@@ -230,8 +231,7 @@ void NamesLock::trySetSpaceAside() const noexcept {
 
 bool NamesLock::giveSpaceBack() const {
     const bool hadSome = file->state().allotted > 0;
-    file->empty();
-    return hadSome;
+    return file->empty() && hadSome;
 }
 
 NamesLock::NamesLock(const LogbookFiles& files) {

@@ -75,7 +75,8 @@ public:
     /// Has the disk keep that much for the file, whose size stays unless it `grows`.
     /// @return whether it can; an error other than of space throws
     bool allot(std::int64_t bytes, bool grows) const;
-    void empty() const;
+    /// @return whether that was possible
+    bool empty() const noexcept;
     void sync() const;
     FileState state() const;
 

@@ -7,8 +7,13 @@ namespace standalone {
 std::string textOf(const std::vector<LostRange>& ranges) {
     std::string text;
     for (const LostRange& range : ranges) {
-        text += (text.empty() ? "" : ", ") + std::to_string(range.first);
-        text += range.first == range.last ? "" : " to " + std::to_string(range.last);
+        if (!text.empty()) {
+            text += ", ";
+        }
+        text += std::to_string(range.first);
+        if (range.last != range.first) {
+            text += " to " + std::to_string(range.last);
+        }
     }
     return text;
 }

@@ -341,10 +341,11 @@ void SqliteDatabase::putBack(LogFindings& log) {
 }
 
 void SqliteDatabase::tellOf(const std::vector<LostRange>& added, const std::vector<LostRange>& lost) const {
-    const std::string line =
-        (added.empty() ? "" : "; put back: " + textOf(added)) + (lost.empty() ? "" : "; lost: " + textOf(lost));
-    if (!line.empty()) {
-        report(Level::Error, files.database + ": " + line.substr(2));
+    if (!added.empty()) {
+        report(Level::Error, files.database + ": put back: " + textOf(added));
+    }
+    if (!lost.empty()) {
+        report(Level::Error, files.database + ": lost: " + textOf(lost));
     }
 }
 

@@ -34,12 +34,16 @@ Tables tablesOf(Connection& connection) {
             return Tables::Others;
         }
         const schema::Table& table = schema::tables[count];
-        const std::string_view sql = table.sql == nullptr ? "" : table.sql;
-        if (found.text(0) != table.name || found.text(1) != sql || found.isNull(1) != (table.sql == nullptr)) {
+        const std::string name = found.text(0);
+        const std::string sql = found.text(1);
+        if (name != table.name || sql != (table.sql == nullptr ? "" : table.sql)) {
             return Tables::Others;
         }
     }
-    return count == 0 ? Tables::None : count == schema::tables.size() ? Tables::Ours : Tables::Others;
+    if (count == 0) {
+        return Tables::None;
+    }
+    return count == schema::tables.size() ? Tables::Ours : Tables::Others;
 }
 
 /// Whether it is ours is told by its header and by its tables; where they differ, the one is damaged or the other
@@ -128,7 +132,10 @@ constexpr std::size_t versionsAt = 18;
 LogbookHead headOf(Connection& connection) {
     Statement row(connection, schema::selectLogbook);
     LogbookHead head;
-    const std::string id = row.step() ? row.text(0) : "";
+    std::string id;
+    if (row.step()) {
+        id = row.text(0);
+    }
     if (id.size() != head.id.size()) {
         refuseAsDamaged("it does not say which logbook it is");
     }

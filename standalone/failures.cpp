@@ -71,9 +71,11 @@ void refuse(const std::string& file, const Fault& fault) {
 }
 
 void refuse(const std::string& file, const SqliteError& exception) {
-    const int error = exception.systemError();
-    const std::string reason = error == 0 ? "" : ": " + std::generic_category().message(error);
-    throw DatabaseError(failureOf(exception), file + ": " + exception.what() + reason);
+    std::string text = file + ": " + exception.what();
+    if (const int error = exception.systemError(); error != 0) {
+        text += ": " + std::generic_category().message(error);
+    }
+    throw DatabaseError(failureOf(exception), text);
 }
 
 }  // namespace standalone

@@ -111,8 +111,10 @@ std::optional<std::string> damageOf(const std::string& copy, const LogFindings& 
         if (!isWithoutLog(connection)) {
             requireHeader(connection);
         }
-        return found.damaged.empty() ? log.damageOf(found)
-                                     : std::optional("damaged: record " + std::to_string(found.damaged.front()));
+        if (!found.damaged.empty()) {
+            return "damaged: record " + std::to_string(found.damaged.front());
+        }
+        return log.damageOf(found);
     } catch (const Fault& fault) {
         if (fault.kind != Failure::Damaged) {
             refuse(copy, fault);
@@ -200,9 +202,8 @@ bool makeIfMissing(const LogbookFiles& files, std::int64_t capacity) {
     if (stateOf(files.database)) {
         return false;
     }
-    if (const auto log = stateOf(files.log)) {
-        const bool holdsNothing = log->bytes == 0 || readLog(OpenFile(files.log, O_RDONLY), schema::pageBytes).mark;
-        if (holdsNothing) {
+    if (stateOf(files.log)) {
+        if (isEmptied(files.log)) {
             removeFile(files.log);
         } else {
             setLogAside(files);

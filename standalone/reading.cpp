@@ -23,7 +23,11 @@ std::string uriOf(const std::string& file) {
     std::string uri = file.front() == '/' ? "file://" : "file:";
     for (const char letter : file) {
         const std::size_t special = std::string_view("%?#").find(letter);
-        uri += special == std::string_view::npos ? std::string(1, letter) : std::array{"%25", "%3f", "%23"}.at(special);
+        if (special == std::string_view::npos) {
+            uri += letter;
+        } else {
+            uri += std::array{"%25", "%3f", "%23"}.at(special);
+        }
     }
     return uri;
 }

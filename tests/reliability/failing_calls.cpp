@@ -26,50 +26,48 @@
 
 namespace {
 
+using support::FileCall;
 using support::Random;
 using support::Stage;
-using support::SystemCall;
 
 constexpr std::uint64_t usualEvery = 100;
-constexpr std::ptrdiff_t mostRare = 12;
+constexpr std::ptrdiff_t mostRare = 20;
 
 struct Kind {
     const char* name;
     int error;
     bool isHalf;
-    std::vector<SystemCall> concerned;
+    std::vector<FileCall> concerned;
     bool mayLast;  // what passes by itself is waited for
 };
 
 const std::vector<Kind>& kinds() {
-    static const std::vector<SystemCall> names = {SystemCall::Open, SystemCall::OpenToWrite, SystemCall::MakeFolder,
-                                                  SystemCall::Unlink, SystemCall::Rename};
+    static const std::vector<FileCall> names = {FileCall::Open, FileCall::OpenToWrite, FileCall::MakeFolder,
+                                                FileCall::Unlink, FileCall::Rename};
     static const std::vector<Kind> all = {
         {"input/output error",
          EIO,
          false,
-         {SystemCall::Open, SystemCall::OpenToWrite, SystemCall::Read, SystemCall::Write, SystemCall::Truncate,
-          SystemCall::Allot, SystemCall::Sync, SystemCall::Unlink, SystemCall::Rename, SystemCall::MakeFolder,
-          SystemCall::Random, SystemCall::Status},
+         {FileCall::Open, FileCall::OpenToWrite, FileCall::Read, FileCall::Write, FileCall::Truncate, FileCall::Allot,
+          FileCall::Sync, FileCall::Unlink, FileCall::Rename, FileCall::MakeFolder, FileCall::Random, FileCall::Status},
          true},
-        {"write that breaks off", EIO, true, {SystemCall::Write}, true},
-        {"full disk",
-         ENOSPC,
-         false,
-         {SystemCall::Write, SystemCall::Allot, SystemCall::MakeFolder, SystemCall::Rename},
-         true},
-        {"write that fills the disk", ENOSPC, true, {SystemCall::Write}, true},
+        {"write that breaks off", EIO, true, {FileCall::Write}, true},
+        {"full disk", ENOSPC, false, {FileCall::Write, FileCall::Allot, FileCall::MakeFolder, FileCall::Rename}, true},
+        {"write that fills the disk", ENOSPC, true, {FileCall::Write}, true},
         {"missing right", EACCES, false, names, true},
         {"read-only medium",
          EROFS,
          false,
-         {SystemCall::OpenToWrite, SystemCall::MakeFolder, SystemCall::Unlink, SystemCall::Rename},
+         {FileCall::OpenToWrite, FileCall::MakeFolder, FileCall::Unlink, FileCall::Rename},
          true},
-        {"too many files", EMFILE, false, {SystemCall::Open, SystemCall::OpenToWrite}, true},
-        {"file system that can't set space aside", EOPNOTSUPP, false, {SystemCall::Allot}, true},
-        {"file system that renames simply", EINVAL, false, {SystemCall::Rename}, true},
-        {"lock that another has", EAGAIN, false, {SystemCall::Lock}, false},
-        {"lock that can't be had", EIO, false, {SystemCall::Lock}, false},
+        {"too many files", EMFILE, false, {FileCall::Open, FileCall::OpenToWrite}, true},
+        {"file system that can't set space aside", EOPNOTSUPP, false, {FileCall::Allot}, true},
+        {"system that can't set space aside", ENOSYS, false, {FileCall::Allot}, true},
+        {"interruption", EINTR, false, {FileCall::Read, FileCall::Write, FileCall::Allot}, false},
+        {"file system whose folders need no syncs", EINVAL, false, {FileCall::Sync}, false},
+        {"file system that renames simply", EINVAL, false, {FileCall::Rename}, true},
+        {"lock that another has", EAGAIN, false, {FileCall::Lock}, false},
+        {"lock that can't be had", EIO, false, {FileCall::Lock}, false},
     };
     return all;
 }
@@ -79,21 +77,21 @@ struct Fault {
     const Kind* kind;
     bool lasts;
 
-    bool concerns(SystemCall made) const {
+    bool concerns(FileCall made) const {
         return std::find(kind->concerned.begin(), kind->concerned.end(), made) != kind->concerned.end();
     }
 };
 
 /// What the calls are, and which of them fail.
 struct Calls {
-    std::vector<SystemCall> made;
+    std::vector<FileCall> made;
     Fault fault{0, nullptr, false};
     std::uint64_t failed = 0;
 };
 
 Calls calls;
 
-support::Fate fateOf(SystemCall call) {
+support::Fate fateOf(FileCall call) {
     const std::size_t now = calls.made.size();
     calls.made.push_back(call);
     const Fault& fault = calls.fault;
@@ -236,8 +234,8 @@ void runWith(const Fault& fault, const Stage& stage, Figures& figures, support::
 void failEachCall(const Stage& stage, std::size_t first, std::size_t every, Figures& figures,
                   support::Failures& failures) {
     Session(stage, {0, nullptr, false}, failures).work();
-    const std::vector<SystemCall> made = calls.made;
-    std::map<SystemCall, std::size_t> times;
+    const std::vector<FileCall> made = calls.made;
+    std::map<FileCall, std::size_t> times;
     for (std::size_t call = 0; call < made.size(); ++call) {
         const auto ofItsKind = std::count(made.begin(), made.end(), made[call]);
         const bool isRare = ofItsKind <= mostRare;

@@ -29,9 +29,9 @@
 namespace {
 
 using support::endOf;
+using support::FileCall;
 using support::Random;
 using support::Scene;
-using support::SystemCall;
 
 constexpr std::uint64_t usualRounds = 60;  // kills in a row, and meetings, for each way to begin
 constexpr std::uint64_t usualEvery = 12;
@@ -46,11 +46,11 @@ bool isLast() {
     return lastCall != 0 && ++calls == lastCall;
 }
 
-support::Fate dieIfLast(SystemCall call) {
+support::Fate dieIfLast(FileCall call) {
     if (isLast()) {
         return {0, lastSignal, false};
     }
-    if (call == SystemCall::Write && isLast()) {
+    if (call == FileCall::Write && isLast()) {
         return {0, lastSignal, true};
     }
     return {};

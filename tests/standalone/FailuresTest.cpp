@@ -2,6 +2,7 @@
 
 #include "Hurry.h"
 #include "SqliteLogbook.h"
+#include "calls.h"
 
 #include <standalone/LogbookReader.h>
 
@@ -14,6 +15,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace {
 
@@ -53,6 +56,69 @@ TEST_F(LogbookFailure, IsBusyWhileAnotherReadsAFileWithoutALog) {
         const support::Hurry hurry;
         EXPECT_EQ(refusal(), (Refusal{Failure::Busy, file.string() + ": database is locked"}));
     }
+    EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(LogbookFailure, IsForeignWhenItIsOfASchemaThatNeverWas) {
+    open();
+    execute("PRAGMA user_version = 0; CREATE TABLE more (id INTEGER)");
+    const auto refused = refusal();
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->first, Failure::Foreign);
+    EXPECT_THAT(refused->second, testing::StartsWith(file.string() + ": written by schema 0, this program reads "));
+}
+
+/// While it lasts, one of the calls of a kind fails.
+class OneFailingCall {
+public:
+    OneFailingCall(support::FileCall kind, int which) {
+        failing = kind;
+        left = which;
+        support::setFates(
+            [](support::FileCall call) { return support::Fate{call == failing && left-- == 0 ? EIO : 0}; });
+    }
+
+    OneFailingCall(const OneFailingCall&) = delete;
+    OneFailingCall& operator=(const OneFailingCall&) = delete;
+
+    ~OneFailingCall() { support::setFates(nullptr); }
+
+private:
+    static inline support::FileCall failing;
+    static inline int left = 0;
+};
+
+TEST_F(LogbookFailure, IsOfInputAndOutputWhenNothingTellsThatItHasALog) {
+    add(*open(), "a");
+    SQLite::Database(file.string(), SQLite::OPEN_READWRITE).exec("PRAGMA journal_mode = DELETE");
+    {
+        const OneFailingCall writing(support::FileCall::Write, 0);
+        EXPECT_EQ(refusal(), (Refusal{Failure::InputOutput, file.string() + ": disk I/O error"}));
+    }
+    EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(LogbookFailure, IsOfInputAndOutputWhileItIsMade) {
+    for (int which = 0; which < 20; ++which) {
+        std::filesystem::remove(file);
+        const OneFailingCall reading(support::FileCall::Read, which);
+        if (const auto refused = refusal()) {
+            EXPECT_EQ(refused->first, Failure::InputOutput) << refused->second;
+        }
+    }
+    add(*open(), "a");
+    EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(LogbookFailure, IsOfInputAndOutputWhenItsFolderCanNotBeSynced) {
+    for (int which = 0; which < 8; ++which) {
+        std::filesystem::remove(file);
+        const OneFailingCall syncing(support::FileCall::Sync, which);
+        if (const auto refused = refusal()) {
+            EXPECT_EQ(refused->first, Failure::InputOutput) << refused->second;
+        }
+    }
+    add(*open(), "a");
     EXPECT_EQ(stored(), Texts{"a"});
 }
 

@@ -1,20 +1,22 @@
 // What happens to the files of a logbook while it is in use, by the hands of others.
 
+#include "Hurry.h"
+#include "Meanwhile.h"
 #include "SqliteLogbook.h"
-#include "calls.h"
 
 #include <standalone/LogbookReader.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <functional>
-#include <utility>
+#include <cerrno>
 
 namespace {
 
 using standalone::Failure;
 using standalone::LogbookReader;
+using support::FileCall;
+using support::Meanwhile;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -127,57 +129,60 @@ TEST_F(LogbookInUse, IsFollowedByAReader) {
     EXPECT_NE(reader.description().id, before);
 }
 
-/// What happens to its files just when the next record is made safe, for as long as there are times left.
-class LogbookInUseMeanwhile : public LogbookInUse {
-protected:
-    LogbookInUseMeanwhile() { self = this; }
-
-    ~LogbookInUseMeanwhile() override { support::setFates(nullptr); }
-
-    void atEachSync(int times, std::function<void()> happens) {
-        left = times;
-        event = std::move(happens);
-        support::setFates([](support::SystemCall call) {
-            if (call == support::SystemCall::Sync && self->left > 0) {
-                --self->left;
-                self->event();
-            }
-            return support::Fate();
-        });
-    }
-
-private:
-    static inline LogbookInUseMeanwhile* self = nullptr;
-    int left = 0;
-    std::function<void()> event;
-};
-
-TEST_F(LogbookInUseMeanwhile, AddsARecordAnewWhenItsFilesAreDeleted) {
-    atEachSync(1, [this] { removeFiles(); });
+TEST_F(LogbookInUse, AddsARecordAnewWhenItsFilesAreDeletedMeanwhile) {
+    const Meanwhile sync(FileCall::Sync, 1, [this] { removeFiles(); });
     add(*database, "11");
     EXPECT_EQ(stored(), Texts{"11"});
 }
 
-TEST_F(LogbookInUseMeanwhile, AddsARecordOnceWhenItsLogIsDeleted) {
-    atEachSync(1, [this] { std::filesystem::remove(log); });
+TEST_F(LogbookInUse, AddsARecordOnceWhenItsLogIsDeletedMeanwhile) {
+    const Meanwhile sync(FileCall::Sync, 1, [this] { std::filesystem::remove(log); });
     add(*database, "11");
     EXPECT_EQ(stored(), countingDown(11, 1));
 }
 
-TEST_F(LogbookInUseMeanwhile, IsClearedWhenItsFilesAreDeleted) {
-    atEachSync(1, [this] { removeFiles(); });
+TEST_F(LogbookInUse, IsClearedWhenItsFilesAreDeletedMeanwhile) {
+    const Meanwhile sync(FileCall::Sync, 1, [this] { removeFiles(); });
     database->clear();
     EXPECT_EQ(stored(), Texts());
 }
 
-TEST_F(LogbookInUseMeanwhile, IsBusyWhenItsFilesAreDeletedAgainAndAgain) {
-    atEachSync(1000, [this] {
+TEST_F(LogbookInUse, IsBusyWhenItsFilesAreDeletedAgainAndAgain) {
+    const Meanwhile sync(FileCall::Sync, 1000, [this] {
         if (std::filesystem::exists(log) && std::filesystem::file_size(log) > 0) {  // not when it is made anew
             removeFiles();
         }
     });
     EXPECT_EQ(refusalOf([this] { add(*database, "11"); }),
               (Refusal{Failure::Busy, file.string() + ": is replaced again and again"}));
+}
+
+TEST_F(LogbookInUse, GoesOnWithoutWhatCanNotBeReadAnyMore) {
+    removeFiles();
+    static bool isLocked = true;  // until another file is opened
+    support::setFates([](FileCall call) {
+        isLocked = isLocked && call != FileCall::OpenToWrite;
+        return support::Fate{isLocked && call == FileCall::Lock ? EAGAIN : 0};
+    });
+    {
+        const support::Hurry hurry;
+        EXPECT_EQ(textsIn(*database), Texts());
+    }
+    support::setFates(nullptr);
+    add(*database, "11");
+    EXPECT_EQ(stored(), Texts{"11"});
+}
+
+TEST_F(LogbookInUse, IsReadAgainWhenItIsReplacedMeanwhile) {
+    addNumbers(*open(), 1, 3);
+    const support::TemporaryFolder other;
+    const auto whole = other / "whole.db";
+    std::filesystem::copy_file(file, whole);
+    support::write(file, std::string(5000, 'x'));
+    std::filesystem::remove(log);
+    std::filesystem::remove(index);
+    const Meanwhile reading(FileCall::Read, 1, [&] { std::filesystem::rename(whole, file); });
+    EXPECT_GT(LogbookReader(file).count(), 0);
 }
 
 /// It is closed when something happens to its files.

@@ -1,5 +1,7 @@
 // What damage does to a logbook, and what is left of it.
 
+#include "Hurry.h"
+#include "Meanwhile.h"
 #include "SqliteLogbook.h"
 
 #include <standalone/LogbookReader.h>
@@ -12,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -252,6 +255,53 @@ TEST_F(DamagedLogbook, BringsBackRecordsBehindABreakInTheLog) {
                                                 "healed with 11 records"));
 }
 
+/// A log with the sums of a machine whose numbers begin with their highest byte.
+class LogOfAnotherMachine : public DamagedLogbook {
+protected:
+    void turnSums() const {
+        std::string bytes = support::contentOf(log);
+        bytes[3] = static_cast<char>(bytes[3] | 1);
+        std::array<std::uint32_t, 2> sum{};
+        add(sum, bytes, 0, 24);
+        put(sum, bytes, 24);
+        for (std::size_t frame = 32; frame < bytes.size(); frame += 24 + pageBytes) {
+            add(sum, bytes, frame, 8);
+            add(sum, bytes, frame + 24, pageBytes);
+            put(sum, bytes, frame + 16);
+        }
+        support::write(log, bytes);
+    }
+
+private:
+    static std::uint32_t numberAt(const std::string& bytes, std::size_t at) {
+        std::uint32_t number = 0;
+        for (const char byte : bytes.substr(at, 4)) {
+            number = number << 8 | static_cast<unsigned char>(byte);
+        }
+        return number;
+    }
+
+    static void add(std::array<std::uint32_t, 2>& sum, const std::string& bytes, std::size_t at, std::size_t count) {
+        for (const std::size_t end = at + count; at < end; at += 8) {
+            sum[0] += numberAt(bytes, at) + sum[1];
+            sum[1] += numberAt(bytes, at + 4) + sum[0];
+        }
+    }
+
+    static void put(const std::array<std::uint32_t, 2>& sum, std::string& bytes, std::size_t at) {
+        for (std::size_t i = 0; i < 8; ++i) {
+            bytes[at + i] = static_cast<char>(sum.at(i / 4) >> (24 - 8 * (i % 4)));
+        }
+    }
+};
+
+TEST_F(LogOfAnotherMachine, IsWhole) {
+    addAndBeKilled(1, 5);
+    turnSums();
+    EXPECT_EQ(toldBy([this] { open(); }), "");
+    EXPECT_EQ(stored(), textsDown(5, 1));
+}
+
 TEST_F(DamagedLogbook, SetsALogOfAnotherLogbookAside) {
     addAndBeKilled(1, 12);
     const std::string foreign = support::contentOf(log);
@@ -281,6 +331,38 @@ TEST_F(DamagedLogbook, LeavesTheOtherLogbookAlone) {
     spoil(text(4));
     open();
     EXPECT_EQ(support::contentOf(folder / "lgbOther.db"), other);
+}
+
+TEST_F(DamagedLogbook, IsNotHealedWhileAnotherWritesToIt) {
+    addTexts(*open(), 1, 3);
+    execute("INSERT INTO lost VALUES (8, 7, 0)");
+    {
+        SQLite::Database other(file.string(), SQLite::OPEN_READWRITE);
+        other.exec("BEGIN IMMEDIATE");
+        const support::Hurry hurry;
+        EXPECT_EQ(refusal(), (Refusal{Failure::Busy, file.string() + ": in use by another process"}));
+    }
+    EXPECT_EQ(stored(), textsDown(3, 1));
+}
+
+TEST_F(DamagedLogbook, IsLeftAloneWhenItTurnsOutToBeNewer) {
+    addTexts(*open(), 1, 3);
+    execute("INSERT INTO lost VALUES (8, 7, 0)");
+    const std::string before = support::contentOf(file);
+    const support::Meanwhile copying(support::FileCall::Sync, 100, [this] {
+        std::string copy = support::contentOf(aside(1));
+        if (const std::size_t column = copy.find("nanoseconds"); column != std::string::npos) {
+            copy[63] = 99;  // of the version
+            copy.replace(column, 4, "pico");
+            support::write(aside(1), copy);
+        }
+    });
+    const auto refused = refusal();
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->first, Failure::Newer);
+    EXPECT_THAT(refused->second, HasSubstr(aside(1) + ": written by schema 99, this program reads "));
+    EXPECT_EQ(support::contentOf(file), before);
+    EXPECT_FALSE(std::filesystem::exists(aside(1)));
 }
 
 TEST_F(DamagedLogbook, IsNotHealedByReading) {
@@ -521,6 +603,10 @@ INSTANTIATE_TEST_SUITE_P(
                                   "UPDATE record SET number = 9223372036854775807 WHERE number = 5"},
                     Contradiction{"WithLostNumbersThatAreThere", "INSERT INTO lost VALUES (2, 3, 0)"},
                     Contradiction{"WithLostNumbersOutOfOrder", "INSERT INTO lost VALUES (8, 7, 0)"},
+                    Contradiction{"WithLostNumbersThatOverlap", "INSERT INTO lost VALUES (7, 9, 0), (8, 10, 0)"},
+                    Contradiction{"WithLostNumbersBeyondAll", "INSERT INTO lost VALUES (7, 4611686018427387905, 0)"},
+                    Contradiction{"WithFewerTables", "DROP TABLE lost"},
+                    Contradiction{"WithoutTables", "DROP TABLE lost; DROP TABLE record; DROP TABLE logbook"},
                     Contradiction{"WithAnotherVersion", "PRAGMA user_version = 7"},
                     Contradiction{"WithAnotherApplication", "PRAGMA application_id = 7"},
                     Contradiction{"WithATableTooMany", "CREATE TABLE more (id INTEGER)"},

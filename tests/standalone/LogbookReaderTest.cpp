@@ -1,3 +1,4 @@
+#include "Meanwhile.h"
 #include "TemporaryFolder.h"
 #include "execute.h"
 
@@ -182,6 +183,39 @@ TEST_F(ReadLogbook, RefusesATableThatIsAnother) {
     addAndClose(1, 3);
     support::execute(file, "ALTER TABLE record RENAME COLUMN seconds TO minutes");
     EXPECT_EQ(refusal(), file.string() + ": damaged: its tables are not those of a logbook");
+}
+
+TEST_F(ReadLogbook, LooksAgainWhenItComesIntoUseMeanwhile) {
+    addAndClose(1, 3);
+    const std::filesystem::path index = file.string() + "-shm";
+    std::filesystem::remove(index);
+    support::write(file.string() + "-wal", std::string(2000, 'x'));
+    bool isThere = false;  // the index, at every other call
+    const support::Meanwhile opening(support::FileCall::Open, 2, [&] {
+        isThere = !isThere;
+        if (isThere) {
+            support::write(index, "");
+        } else {
+            std::filesystem::remove(index);
+        }
+    });
+    EXPECT_THAT(
+        [&] { LogbookReader reader(file); },
+        ThrowsMessage<standalone::DatabaseError>(file.string() + ": its newest records are in " + file.string() +
+                                                 "-wal, which can't be read without " + index.string()));
+}
+
+TEST_F(ReadLogbook, RefusesAnIndexThatBecomesAFolderMeanwhile) {
+    const auto database = open();
+    add(*database, 1, 3);
+    LogbookReader reader(file);
+    const std::filesystem::path index = file.string() + "-shm";
+    const support::Meanwhile reading(support::FileCall::Lock, 1, [&] {
+        std::filesystem::remove(index);
+        std::filesystem::create_directory(index);
+    });
+    EXPECT_THAT([&] { reader.count(); },
+                ThrowsMessage<standalone::DatabaseError>(index.string() + ": is no regular file"));
 }
 
 TEST_F(ReadLogbook, NamesTheFileWhenItCanNotReadOn) {

@@ -1,6 +1,8 @@
+#include "Hurry.h"
 #include "TemporaryFolder.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
+#include <standalone/errors.h>
 
 #include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
@@ -64,6 +66,25 @@ TEST(SharedLog, HalfARecordInItMakesItNoOtherLogbooks) {
     support::write(left / "lgbTest.db-wal", log);
 
     EXPECT_THAT(textsOf(*openIn(left.path())), testing::IsEmpty());
+}
+
+TEST(SharedLog, BeingWrittenBackByOthersKeepsTheFileFromGrowing) {
+    const TemporaryFolder folder;
+    addText(*openIn(folder.path()), "first");
+    const std::filesystem::path file = folder / "lgbTest.db";
+    WriteBackLock others(file);
+    std::string refused;
+    {
+        const support::Hurry hurry;
+        try {
+            SqliteDatabaseFactory(folder.path()).resize("lgbTest", 10000);
+        } catch (const standalone::DatabaseError& error) {
+            refused = error.what();
+        }
+    }
+    EXPECT_EQ(refused, file.string() + ": database is locked");
+    others.release();
+    EXPECT_EQ(SqliteDatabaseFactory(folder.path()).resize("lgbTest", 10000), 0);
 }
 
 TEST(SharedLog, BeingWrittenBackByOthersIsNoFullDisk) {

@@ -18,7 +18,7 @@ namespace {
 
 Fates fatesOfCalls = nullptr;
 
-Fate fateOf(SystemCall call) {
+Fate fateOf(FileCall call) {
     return fatesOfCalls != nullptr ? fatesOfCalls(call) : Fate();
 }
 
@@ -34,30 +34,30 @@ bool survives(const Fate& fate) {
 }
 
 template <typename Result, typename... Arguments>
-Result made(SystemCall call, const char* function, Arguments... arguments) {
+Result made(FileCall call, const char* function, Arguments... arguments) {
     return survives(fateOf(call)) ? callBehind<Result>(function, arguments...) : Result(-1);
 }
 
 template <typename... Offset>
 ssize_t written(const char* function, int file, const void* bytes, std::size_t count, Offset... offset) {
-    const Fate fate = fateOf(SystemCall::Write);
+    const Fate fate = fateOf(FileCall::Write);
     if (fate.isHalf) {
         callBehind<ssize_t>(function, file, bytes, count / 2, offset...);
     }
     return survives(fate) ? callBehind<ssize_t>(function, file, bytes, count, offset...) : -1;
 }
 
-SystemCall opening(int flags) {
-    return (flags & O_ACCMODE) == O_RDONLY ? SystemCall::Open : SystemCall::OpenToWrite;
+FileCall opening(int flags) {
+    return (flags & O_ACCMODE) == O_RDONLY ? FileCall::Open : FileCall::OpenToWrite;
 }
 
 // Whoever can't have large files has both.
 constexpr std::array<int, 2> setLock = {F_SETLK, F_SETLK64};
 
-SystemCall controlling(int command, void* argument) {
+FileCall controlling(int command, void* argument) {
     const bool isLock = std::count(setLock.begin(), setLock.end(), command) > 0 &&
                         static_cast<struct flock*>(argument)->l_type != F_UNLCK;
-    return isLock ? SystemCall::Lock : SystemCall::Control;
+    return isLock ? FileCall::Lock : FileCall::Control;
 }
 
 }  // namespace
@@ -73,7 +73,7 @@ void setFates(Fates fates) {
 
 extern "C" {
 
-using support::SystemCall;
+using support::FileCall;
 
 int openFile(const char* file, int flags, mode_t mode) TQZEL_INSTEAD_OF(open);
 int openFile64(const char* file, int flags, mode_t mode) TQZEL_INSTEAD_OF(open64);
@@ -123,19 +123,19 @@ int openBelow64(int folder, const char* file, int flags, mode_t mode) {
 }
 
 int closeFile(int file) {
-    return support::made<int>(SystemCall::Close, "close", file);
+    return support::made<int>(FileCall::Close, "close", file);
 }
 
 ssize_t readNext(int file, void* bytes, std::size_t count) {
-    return support::made<ssize_t>(SystemCall::Read, "read", file, bytes, count);
+    return support::made<ssize_t>(FileCall::Read, "read", file, bytes, count);
 }
 
 ssize_t readAt(int file, void* bytes, std::size_t count, long offset) {
-    return support::made<ssize_t>(SystemCall::Read, "pread", file, bytes, count, offset);
+    return support::made<ssize_t>(FileCall::Read, "pread", file, bytes, count, offset);
 }
 
 ssize_t readAt64(int file, void* bytes, std::size_t count, std::int64_t offset) {
-    return support::made<ssize_t>(SystemCall::Read, "pread64", file, bytes, count, offset);
+    return support::made<ssize_t>(FileCall::Read, "pread64", file, bytes, count, offset);
 }
 
 ssize_t writeNext(int file, const void* bytes, std::size_t count) {
@@ -151,49 +151,49 @@ ssize_t writeAt64(int file, const void* bytes, std::size_t count, std::int64_t o
 }
 
 int cutFile(int file, long bytes) {
-    return support::made<int>(SystemCall::Truncate, "ftruncate", file, bytes);
+    return support::made<int>(FileCall::Truncate, "ftruncate", file, bytes);
 }
 
 int cutFile64(int file, std::int64_t bytes) {
-    return support::made<int>(SystemCall::Truncate, "ftruncate64", file, bytes);
+    return support::made<int>(FileCall::Truncate, "ftruncate64", file, bytes);
 }
 
 int allotTo(int file, int mode, long offset, long bytes) {
-    return support::made<int>(SystemCall::Allot, "fallocate", file, mode, offset, bytes);
+    return support::made<int>(FileCall::Allot, "fallocate", file, mode, offset, bytes);
 }
 
 int allotTo64(int file, int mode, std::int64_t offset, std::int64_t bytes) {
-    return support::made<int>(SystemCall::Allot, "fallocate64", file, mode, offset, bytes);
+    return support::made<int>(FileCall::Allot, "fallocate64", file, mode, offset, bytes);
 }
 
 int syncFile(int file) {
     ++support::syncs;
-    return support::made<int>(SystemCall::Sync, "fsync", file);
+    return support::made<int>(FileCall::Sync, "fsync", file);
 }
 
 int syncData(int file) {
     ++support::syncs;
-    return support::made<int>(SystemCall::Sync, "fdatasync", file);
+    return support::made<int>(FileCall::Sync, "fdatasync", file);
 }
 
 int unlinkFile(const char* file) {
-    return support::made<int>(SystemCall::Unlink, "unlink", file);
+    return support::made<int>(FileCall::Unlink, "unlink", file);
 }
 
 int renameTo(const char* from, const char* to) {
-    return support::made<int>(SystemCall::Rename, "rename", from, to);
+    return support::made<int>(FileCall::Rename, "rename", from, to);
 }
 
 int renameTo2(int oldFolder, const char* from, int newFolder, const char* to, unsigned int flags) {
-    return support::made<int>(SystemCall::Rename, "renameat2", oldFolder, from, newFolder, to, flags);
+    return support::made<int>(FileCall::Rename, "renameat2", oldFolder, from, newFolder, to, flags);
 }
 
 int makeFolder(const char* folder, mode_t mode) {
-    return support::made<int>(SystemCall::MakeFolder, "mkdir", folder, mode);
+    return support::made<int>(FileCall::MakeFolder, "mkdir", folder, mode);
 }
 
 int lockFile(int file, int operation) {
-    return support::made<int>(SystemCall::Lock, "flock", file, operation);
+    return support::made<int>(FileCall::Lock, "flock", file, operation);
 }
 
 int control(int file, int command, void* argument) {
@@ -205,23 +205,23 @@ int control64(int file, int command, void* argument) {
 }
 
 int randomBytes(void* bytes, std::size_t count) {
-    return support::made<int>(SystemCall::Random, "getentropy", bytes, count);
+    return support::made<int>(FileCall::Random, "getentropy", bytes, count);
 }
 
 int statusOf(int file, void* status) {
-    return support::made<int>(SystemCall::Status, "fstat", file, status);
+    return support::made<int>(FileCall::Status, "fstat", file, status);
 }
 
 int statusOf64(int file, void* status) {
-    return support::made<int>(SystemCall::Status, "fstat64", file, status);
+    return support::made<int>(FileCall::Status, "fstat64", file, status);
 }
 
 int statusAt(const char* file, void* status) {
-    return support::made<int>(SystemCall::Status, "stat", file, status);
+    return support::made<int>(FileCall::Status, "stat", file, status);
 }
 
 int statusAt64(const char* file, void* status) {
-    return support::made<int>(SystemCall::Status, "stat64", file, status);
+    return support::made<int>(FileCall::Status, "stat64", file, status);
 }
 
 }  // extern "C"

@@ -8,7 +8,7 @@
 namespace support {
 
 /// A system call that concerns files.
-enum class SystemCall {
+enum class FileCall {
     Open,
     OpenToWrite,
     Close,
@@ -34,7 +34,7 @@ struct Fate {
 };
 
 /// Tells what becomes of each call; none: it is made.
-using Fates = Fate (*)(SystemCall call);
+using Fates = Fate (*)(FileCall call);
 
 /// From now on.
 void setFates(Fates fates);
