@@ -308,7 +308,7 @@ OpenedLogbook openLocked(const LogbookFiles& files, const WantedCapacity& wanted
             log = LogFindings();
         }
     } catch (const DatabaseError& trouble) {
-        if (!isUsable || trouble.kind() != Failure::Full) {
+        if (!isUsable || trouble.kind() != Failure::Full || stateOf(files.healed)) {
             throw;
         }
         report(Level::Error,

@@ -238,7 +238,8 @@ bool heal(const LogbookFiles& files, const WantedCapacity& wanted) {
     try {
         return healLocked(files, wanted, sets);
     } catch (const DatabaseError& trouble) {
-        if (trouble.kind() != Failure::Full || !sets.removeOld(0)) {
+        const bool isHealed = stateOf(files.healed).has_value();  // and what it was made from is in the newest set
+        if (trouble.kind() != Failure::Full || isHealed || !sets.removeOld(0)) {
             throw;
         }
         return healLocked(files, wanted, sets);  // in the space of older sets

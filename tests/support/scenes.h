@@ -74,14 +74,14 @@ public:
     /// Looks at what those who were disturbed left.
     /// @param what disturbed them
     /// @param added by them, oldest first
-    /// @param mayLack whether less may be brought back than an undisturbed process does
+    /// @param mayLack whether less may be brought back, and fewer numbers given up, than an undisturbed process does
     void look(const std::string& what, const std::vector<Added>& added, Aftermath& aftermath, Failures& failures,
               bool mayLack = false) const;
 
 private:
     void judge(const Texts& found, const std::vector<Added>& added, const std::string& where, Aftermath& aftermath,
                Failures& failures, bool mayLack) const;
-    void judgeNumbers(const std::string& where, Failures& failures) const;
+    void judgeNumbers(const std::string& where, Failures& failures, bool mayLack) const;
     void judgeFolder(const std::string& where, Aftermath& aftermath, Failures& failures) const;
 
     const Scene& scene;
