@@ -247,6 +247,14 @@ TEST_F(LogbookOnItsOwnMedium, IsRefusedWhenItIsDamagedAndCanNotBeHealed) {
               (Refusal{Failure::Damaged, file.string() + ": damaged: its list of lost numbers is not in order"}));
 }
 
+TEST_F(LogbookOnItsOwnMedium, ShowsWhatIsNotDamagedWhenItCanNotBeHealed) {
+    add(*open(), "a");
+    add(*open(), "b");
+    execute("UPDATE record SET json = 'x' WHERE number = 2");
+    makeReadOnly(true);
+    EXPECT_EQ(stored(), Texts{"a"});
+}
+
 TEST_F(LogbookOnItsOwnMedium, IsNotMadeWhereNothingCanBeWritten) {
     makeReadOnly(true);
     EXPECT_EQ(refusal()->first, Failure::ReadOnly);

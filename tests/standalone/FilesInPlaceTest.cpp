@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace {
@@ -118,6 +119,30 @@ TEST_F(LogbookInUse, IsRefusedWhileItsProcessStillUsesWhatIsGone) {
     other.reset();
     add(*database, "11");
     EXPECT_EQ(stored(), countingDown(11, 1));
+}
+
+TEST_F(LogbookInUse, PutsNoDamagedRecordBack) {
+    execute("UPDATE record SET json = 'x' WHERE number = 10");
+    std::filesystem::remove(log);
+    std::filesystem::remove(index);
+    add(*database, "11");
+    EXPECT_EQ(stored().front(), "11");
+    const Texts all = stored();
+    EXPECT_EQ(std::count(all.begin(), all.end(), "x"), 0);
+}
+
+TEST_F(LogbookInUse, KeepsBothWhatItHasAndWhatACopyGotByItself) {
+    const support::TemporaryFolder other;
+    std::filesystem::copy_file(file, other / "lgbTest.db");
+    std::filesystem::copy_file(log, other / "lgbTest.db-wal");
+    add(*standalone::SqliteDatabaseFactory(other.path()).create("lgbTest", 0, 0), "of the copy");
+    add(*database, "11");
+    removeFiles();
+    std::filesystem::copy_file(other / "lgbTest.db", file);
+    add(*database, "12");
+    Texts expected = countingDown(10, 1);
+    expected.insert(expected.begin(), {"12", "11", "of the copy"});
+    EXPECT_EQ(stored(), expected);
 }
 
 TEST_F(LogbookInUse, IsFollowedByAReader) {
@@ -258,6 +283,12 @@ TEST_F(ClosedLogbook, IsMadeAnewBesideALogThatHoldsSomething) {
                           (folder / "lgbTest.damaged-1.db-wal").string() + "\n"));
     add(*open(), "a");
     EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(ClosedLogbook, IsOpenedBesideAnEmptyJournal) {
+    addNumbers(*open(), 1, 3);
+    support::write(folder / "lgbTest.db-journal", "");
+    EXPECT_EQ(stored(), countingDown(3, 1));
 }
 
 TEST_F(ClosedLogbook, IsMadeInAFolderWithALogThatWasLeft) {

@@ -570,6 +570,52 @@ TEST_F(DamagedLogbook, TellsEqualRecordsApartByTheirNumber) {
     EXPECT_FALSE(reader.before(INT64_MAX, 1)[0].intact);
 }
 
+TEST_F(DamagedLogbook, ThatIsFullKeepsItsRecordsWhateverItSaysOfLostNumbers) {
+    addTexts(*open(5), 1, 5);
+    for (const char* const lost : {"(-5, -1, 0)", "(3, 2, 0)", "(2, 3, 0)", "(900, 950, 0)", "(7, 9, 0), (8, 10, 0)"}) {
+        execute(std::string("INSERT INTO lost VALUES ") + lost);
+        open(5);
+        EXPECT_EQ(stored(), textsDown(5, 1)) << lost;
+    }
+}
+
+TEST_F(DamagedLogbook, IsReadByTheUsualSizeOfPagesWhenItTellsNone) {
+    addTexts(*open(), 1, 5);
+    std::string content = support::contentOf(file);
+    content[16] = 0;
+    content[17] = 1;  // 65536
+    support::write(file, content);
+    open();
+    EXPECT_EQ(stored(), textsDown(5, 1));
+}
+
+TEST_F(DamagedLogbook, IsHealedWhenItsLogTellsOfPagesThatCanNotBe) {
+    for (const char* const bytes : {"\0\0\1\0", "\0\2\0\0", "\0\0\4\1"}) {
+        std::filesystem::remove(file);
+        addAndBeKilled(1, 5);
+        std::string content = support::contentOf(log);
+        content.replace(8, 4, bytes, 4);
+        support::write(log, content);
+        open();
+        EXPECT_EQ(stored(), textsDown(5, 1));
+    }
+}
+
+TEST_F(DamagedLogbook, IsSetAsideBesideFilesOfOthersWithSuchNames) {
+    addTexts(*open(), 1, 3);
+    const std::vector<std::filesystem::path> others = {folder / "lgbTest.damaged-x.db",
+                                                       folder / "lgbTest.damaged-99999999999999999999999.db"};
+    for (const auto& other : others) {
+        support::write(other, "other");
+    }
+    spoil("record 2 of");
+    open();
+    for (const auto& other : others) {
+        EXPECT_EQ(support::contentOf(other), "other");
+    }
+    EXPECT_TRUE(std::filesystem::exists(aside(1)));
+}
+
 /// A contradiction within a file that SQLite finds sound.
 struct Contradiction {
     std::string name;

@@ -185,6 +185,29 @@ TEST_F(ReadLogbook, RefusesATableThatIsAnother) {
     EXPECT_EQ(refusal(), file.string() + ": damaged: its tables are not those of a logbook");
 }
 
+TEST_F(ReadLogbook, ReadsACopyWhoseLogHoldsNothing) {
+    addAndClose(1, 3);
+    std::filesystem::remove(file.string() + "-shm");
+    for (const std::size_t zeros : {std::size_t{0}, std::size_t{10}, std::size_t{4096}}) {
+        support::write(file.string() + "-wal", std::string(zeros, '\0'));
+        EXPECT_EQ(LogbookReader(file).count(), 3) << zeros;
+    }
+}
+
+TEST_F(ReadLogbook, LooksAgainWhenACopyChangesMeanwhile) {
+    addAndClose(1, 3);
+    const std::filesystem::path log = file.string() + "-wal";
+    std::filesystem::remove(log);
+    std::filesystem::remove(file.string() + "-shm");
+    {
+        const support::Meanwhile reading(support::FileCall::Read, 1,
+                                         [&] { support::write(file, support::contentOf(file)); });
+        EXPECT_EQ(LogbookReader(file).count(), 3);
+    }
+    const support::Meanwhile reading(support::FileCall::Read, 1, [&] { support::write(log, ""); });
+    EXPECT_EQ(LogbookReader(file).count(), 3);
+}
+
 TEST_F(ReadLogbook, LooksAgainWhenItComesIntoUseMeanwhile) {
     addAndClose(1, 3);
     const std::filesystem::path index = file.string() + "-shm";
