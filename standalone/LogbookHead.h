@@ -16,4 +16,12 @@ struct LogbookHead {
 /// An id drawn by lot.
 LogbookId newId();
 
+// Beyond any number that is ever reached, and far enough from where numbers end.
+inline constexpr std::int64_t highestNumber = std::int64_t{1} << 62;
+
+/// Whether a logbook may say that of itself, whatever its check value says.
+inline bool isPossible(const LogbookHead& head) {
+    return head.cleared >= 0 && head.cleared < highestNumber && head.capacity >= 0 && head.capacity <= UINT32_MAX;
+}
+
 }  // namespace standalone

@@ -60,7 +60,7 @@ std::optional<LogbookHead> headIn(const Values& values) {
     std::copy((*values)[0].bytes.begin(), (*values)[0].bytes.end(), head.id.begin());
     head.capacity = (*values)[1].number;
     head.cleared = (*values)[2].number;
-    const bool isWhole = (*values)[3].number == checksum(head.id, head.capacity, head.cleared);
+    const bool isWhole = (*values)[3].number == checksum(head.id, head.capacity, head.cleared) && isPossible(head);
     return isWhole ? std::optional(head) : std::nullopt;
 }
 

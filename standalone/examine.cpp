@@ -16,9 +16,6 @@ namespace standalone {
 
 namespace {
 
-// Beyond any number that is ever reached, and far enough from where numbers end.
-constexpr std::int64_t highestNumber = std::int64_t{1} << 62;
-
 [[noreturn]] void refuseAsDamaged(const std::string& what) {
     throw Fault{Failure::Damaged, "damaged: " + what};
 }
@@ -142,8 +139,7 @@ LogbookHead headOf(Connection& connection) {
     std::memcpy(head.id.data(), id.data(), id.size());
     head.capacity = row.number(1);
     head.cleared = row.number(2);
-    const bool isWhole = row.number(3) == checksum(head.id, head.capacity, head.cleared) && head.cleared >= 0 &&
-                         head.cleared < highestNumber && head.capacity >= 0 && head.capacity <= UINT32_MAX;
+    const bool isWhole = row.number(3) == checksum(head.id, head.capacity, head.cleared) && isPossible(head);
     if (!isWhole || row.step()) {
         refuseAsDamaged("what it says of itself is not what was stored");
     }

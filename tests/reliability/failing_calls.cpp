@@ -63,7 +63,7 @@ const std::vector<Kind>& kinds() {
         {"too many files", EMFILE, false, {FileCall::Open, FileCall::OpenToWrite}, true},
         {"file system that can't set space aside", EOPNOTSUPP, false, {FileCall::Allot}, true},
         {"system that can't set space aside", ENOSYS, false, {FileCall::Allot}, true},
-        {"interruption", EINTR, false, {FileCall::Read, FileCall::Write, FileCall::Allot}, false},
+        {"interruption", EINTR, false, {FileCall::Read, FileCall::Write, FileCall::Allot, FileCall::Lock}, false},
         {"file system whose folders need no syncs", EINVAL, false, {FileCall::Sync}, false},
         {"file system that renames simply", EINVAL, false, {FileCall::Rename}, true},
         {"lock that another has", EAGAIN, false, {FileCall::Lock}, false},

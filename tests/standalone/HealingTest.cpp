@@ -6,6 +6,7 @@
 
 #include <standalone/LogbookReader.h>
 #include <standalone/Salvage.h>
+#include <standalone/checksum.h>
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
@@ -425,10 +426,10 @@ TEST_F(DamagedLogbook, IsRefusedForSalvageWhenNothingOfItIsALogbook) {
 /// The two bytes of a page, from 1, where it says where something is.
 class MisleadingPage : public DamagedLogbook {
 protected:
-    void write(std::size_t page, std::size_t at, unsigned int number) const {
+    void write(std::size_t page, std::size_t at, unsigned int place) const {
         std::string content = support::contentOf(file);
-        content[(page - 1) * pageBytes + at] = static_cast<char>(number >> 8);
-        content[(page - 1) * pageBytes + at + 1] = static_cast<char>(number);
+        content[(page - 1) * pageBytes + at] = static_cast<char>(place >> 8);
+        content[(page - 1) * pageBytes + at + 1] = static_cast<char>(place);
         support::write(file, content);
     }
 
@@ -614,6 +615,36 @@ TEST_F(DamagedLogbook, IsSetAsideBesideFilesOfOthersWithSuchNames) {
         EXPECT_EQ(support::contentOf(other), "other");
     }
     EXPECT_TRUE(std::filesystem::exists(aside(1)));
+}
+
+TEST_F(DamagedLogbook, KeepsAllRecordsWhenNobodyKnowsHowManyToKeep) {
+    addTexts(*open(), 1, 5);
+    overwritePage(2, 0);  // the table that tells
+    overwritePage(3, 0);  // its index
+    std::filesystem::remove(log);
+    std::filesystem::remove(index);
+    factory().create("lgbTest", 0, 2);
+    EXPECT_EQ(stored(), textsDown(5, 1));
+    EXPECT_EQ(LogbookReader(file).description().capacity, 5U);
+}
+
+TEST_F(DamagedLogbook, BelievesNoHeadThatCanNotBe) {
+    constexpr std::int64_t beyondAll = std::int64_t{1} << 62;
+    for (const auto& [capacity, cleared] :
+         {Range{-1, 0}, Range{std::int64_t{UINT32_MAX} + 1, 0}, Range{5, -1}, Range{5, beyondAll}}) {
+        std::filesystem::remove(file);
+        addTexts(*open(), 1, 3);
+        standalone::LogbookId bytes{};
+        const std::string digits = id();
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            bytes.at(i) = static_cast<unsigned char>(std::stoul(digits.substr(2 * i, 2), nullptr, 16));
+        }
+        execute("UPDATE logbook SET capacity = " + std::to_string(capacity) + ", cleared = " + std::to_string(cleared) +
+                ", checksum = " + std::to_string(standalone::checksum(bytes, capacity, cleared)));
+        EXPECT_THAT(toldBy([this] { open(); }), HasSubstr(": damaged: what it says of itself is not what was stored"));
+        add(*open(), "the next");
+        EXPECT_EQ(stored().front(), "the next");
+    }
 }
 
 /// A contradiction within a file that SQLite finds sound.
