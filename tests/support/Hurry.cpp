@@ -2,8 +2,8 @@
 
 #include "insteadOf.h"
 
-#include <time.h>
 #include <unistd.h>
+#include <ctime>
 
 #include <atomic>
 #include <cstdint>

@@ -54,7 +54,7 @@ struct Aftermath {
 class Stage {
 public:
     /// Lets an undisturbed process find what the scene holds.
-    explicit Stage(const Scene& scene);
+    explicit Stage(const Scene& ofThis);
 
     std::string title() const { return scene.title; }
 
