@@ -216,36 +216,36 @@ const std::vector<Scene>& scenes() {
              folder["lgbCustomer.damaged-2.db"] = "another";
              return folder;
          }},
-        {"a record changed among few", 4, 3, true,
+        {"a record changed among few", 7, 6, true,
          [] {
-             Folder folder = closed(4, 6);
-             flipByte(databaseIn(folder), databaseIn(folder).find("record 5") + 12);
+             Folder folder = closed(7, 10);
+             flipByte(databaseIn(folder), databaseIn(folder).find("record 9") + 12);
              return folder;
          }},
-        {"a damaged log of few", 4, 4, true,
+        {"a damaged log of few", 7, 7, true,
          [] {
-             Folder folder = killed(4, 6, 3);
+             Folder folder = killed(7, 7, 3);
              flipByte(logIn(folder), 32 + frameBytes + 600);
              return folder;
          }},
-        {"a log of few, damaged near its end", 4, 4, true,
+        {"a log of few, damaged near its end", 7, 7, true,
          [] {
-             Folder folder = killed(4, 6, 3);
+             Folder folder = killed(7, 7, 3);
              flipByte(logIn(folder), lastFrame(logIn(folder)) - frameBytes + 300);
              return folder;
          }},
-        {"a page of few lost for the third time", 4, 0, true,
+        {"a page of few lost for the third time", 7, 0, true,
          [] {
-             Folder folder = closed(4, 6);
+             Folder folder = closed(7, 10);
              losePage(folder, 1);
              folder["lgbCustomer.damaged-1.db"] = "one";
              folder["lgbCustomer.damaged-2.db"] = "another";
              return folder;
          }},
-        {"the log of another logbook beside few", 4, 4, true,
+        {"the log of another logbook beside few", 7, 7, true,
          [] {
-             Folder folder = closed(4, 6);
-             Folder other = killed(4, 2, 2);
+             Folder folder = closed(7, 10);
+             Folder other = killed(7, 2, 2);
              logIn(folder) = logIn(other);
              return folder;
          }},

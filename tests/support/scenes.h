@@ -27,7 +27,7 @@ struct Scene {
     Folder (*begin)();
 
     /// Whether it is healed in no time, if at all.
-    bool isSmall() const { return !isDamaged || capacity <= 4; }
+    bool isSmall() const { return !isDamaged || capacity <= 7; }
 };
 
 /// Whole ones, and one for each way to heal.
