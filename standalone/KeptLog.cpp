@@ -14,7 +14,7 @@ KeptLog::KeptLog(sqlite3* connection) {
     log->pMethods = &functions.changed;
 }
 
-/// To nothing: no limit of its size is set.
+/// To nothing, always: its size has no limit.
 int KeptLog::cut(sqlite3_file* log, sqlite3_int64) {
     const auto& own = *reinterpret_cast<const Functions*>(log->pMethods);
     LogMark::Bytes found{};

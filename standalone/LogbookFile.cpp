@@ -96,8 +96,9 @@ void LogbookFile::configure() {
     int persist = 1;
     sqlite3_file_control(handle, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
     distrust(connection);
-    connection.execute("PRAGMA synchronous = FULL");   // a commit returns when it would survive power loss
-    connection.execute("PRAGMA secure_delete = OFF");  // else pages are written only to be forgotten
+    connection.execute("PRAGMA journal_size_limit = -1");  // or a log that holds something would be cut, too
+    connection.execute("PRAGMA synchronous = FULL");       // a commit returns when it would survive power loss
+    connection.execute("PRAGMA secure_delete = OFF");      // else pages are written only to be forgotten
 }
 
 void LogbookFile::begin() {

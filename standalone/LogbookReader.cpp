@@ -83,20 +83,25 @@ LogbookDescription LogbookReader::description() {
 
 std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
     std::vector<std::string> damage;
-    bool isSecondLook = false;
-    PatientReader(path.string()).read([&](ReadingConnection& connection) {
-        damage.clear();
-        Statement check(connection.database(), "PRAGMA integrity_check");
-        while (check.step()) {
-            const std::string line = check.text(0);
-            if (line != "ok") {
-                damage.push_back(line);
+    try {
+        PatientReader(path.string()).read([&](ReadingConnection& connection) {
+            damage.clear();
+            Statement check(connection.database(), "PRAGMA integrity_check");
+            while (check.step()) {
+                const std::string line = check.text(0);
+                if (line != "ok") {
+                    damage.push_back(line);
+                }
             }
+            if (!damage.empty()) {
+                throw Fault{Failure::Damaged, damage.front()};  // to be looked at again
+            }
+        });
+    } catch (const DatabaseError& error) {
+        if (error.kind() != Failure::Damaged || damage.empty()) {
+            throw;
         }
-        if (!damage.empty() && !std::exchange(isSecondLook, true)) {
-            throw Fault{Failure::Damaged, damage.front()};
-        }
-    });
+    }
     return damage;
 }
 

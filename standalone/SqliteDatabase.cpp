@@ -105,14 +105,14 @@ struct SqliteDatabase::Session {
     void insert(const NumberedRecord& record) { standalone::insert(insertRecord, record, id); }
 
     /// Drops what is older than the newest so many.
-    void keep(std::int64_t records, std::int64_t newest, const LostRanges& gaps) {
-        const std::int64_t oldest = gaps.before(newest, records - 1);
+    void keep(std::int64_t records, std::int64_t newest) {
+        const std::int64_t oldest = lost.before(newest, records - 1);
         if (oldest <= 1) {
             return;
         }
         deleteOldest.bind(1, oldest - 1);
         deleteOldest.run();
-        if (!gaps.all().empty() && gaps.all().front().last < oldest) {
+        if (!lost.all().empty() && lost.all().front().last < oldest) {
             Statement deleteLost(connection, schema::deleteOldestLost);
             deleteLost.bind(1, oldest);
             deleteLost.run();
@@ -122,13 +122,13 @@ struct SqliteDatabase::Session {
     /// Drops so many of the oldest.
     void giveWay(std::int64_t records, std::int64_t newest) {
         if (records > 0) {
-            keep(std::max<std::int64_t>(stored() - records, 0), newest, lost);
+            keep(std::max<std::int64_t>(stored() - records, 0), newest);
         }
     }
 
-    void keepCapacity(std::int64_t newest, std::int64_t capacity, const LostRanges& gaps) {
+    void keepCapacity(std::int64_t newest, std::int64_t capacity) {
         if (capacity > 0) {
-            keep(capacity, newest, gaps);
+            keep(capacity, newest);
         }
     }
 
@@ -335,7 +335,8 @@ void SqliteDatabase::putBack(LogFindings& log) {
         }
     }
     session->loseTo(newestKnown, lost);
-    session->keepCapacity(session->numbers().newest, session->numbers().capacity, session->lost);
+    const auto [newest, capacity] = session->numbers();
+    session->keepCapacity(newest, capacity);
     transaction.commit();
     tellOf(added, lost);
 }
@@ -443,7 +444,7 @@ void SqliteDatabase::add(const std::string& json, const lgb::timestamp::Timestam
     commit(Whose::OfAnyLogbook, json.size() + timestamp.text.size(), [&](const Numbers& numbers) {
         const std::int64_t number = numbers.newest + 1;
         session->insert(numbered(number, timestamp, json));
-        session->keepCapacity(number, numbers.capacity, session->lost);
+        session->keepCapacity(number, numbers.capacity);
     });
 }
 
@@ -460,7 +461,7 @@ std::int64_t SqliteDatabase::addAll(const std::vector<lgb::DatabaseRecord>& reco
             session->insert(numbered(++number, record.timestamp, record.json));
         }
         const std::int64_t all = session->stored();
-        session->keepCapacity(number, numbers.capacity, session->lost);
+        session->keepCapacity(number, numbers.capacity);
         dropped = std::min(before, all - session->stored());
     });
     return dropped;
@@ -485,7 +486,7 @@ std::int64_t SqliteDatabase::resize(std::uint32_t capacity) {
     commit(Whose::OfThisLogbook, 0, [&](const Numbers& numbers) {
         const std::int64_t before = session->stored();
         writeHead(session->connection, {session->id, capacity, headOf(session->connection).cleared});
-        session->keepCapacity(numbers.newest, capacity, session->lost);
+        session->keepCapacity(numbers.newest, capacity);
         dropped = before - session->stored();
     });
     guarded(Access::Writing, [&] { session->file->takeSpaceFor(capacity); });

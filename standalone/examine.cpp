@@ -33,7 +33,8 @@ Tables tablesOf(Connection& connection) {
         const schema::Table& table = schema::tables[count];
         const std::string name = found.text(0);
         const std::string sql = found.text(1);
-        if (name != table.name || sql != (table.sql == nullptr ? "" : table.sql)) {
+        const bool isOurs = table.sql == nullptr ? found.isNull(1) : sql == table.sql;
+        if (name != table.name || !isOurs) {
             return Tables::Others;
         }
     }

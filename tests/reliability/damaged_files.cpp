@@ -79,9 +79,6 @@ Files filesIn(const std::filesystem::path& folder) {
     return {content(""), content("-wal"), content("-shm")};
 }
 
-// ---- logbooks in different states
-// ------------------------------------------------------------------------------------
-
 lgb::timestamp::Timestamp timeOf(std::int64_t number) {
     return {number * 1000, number, "18:" + std::to_string(number)};
 }
@@ -324,9 +321,6 @@ State make(const Recipe& recipe) {
     return state;
 }
 
-// ---- what came of it
-// -------------------------------------------------------------------------------------------------
-
 struct Figures {
     std::uint64_t damages = 0;
     std::uint64_t healed = 0;
@@ -389,9 +383,6 @@ std::set<std::int64_t> toldAsLost(const std::string& log) {
     }
     return numbers;
 }
-
-// ---- one damage
-// ------------------------------------------------------------------------------------------------------
 
 /// One damaged logbook and what becomes of it.
 class Trial {
@@ -587,9 +578,6 @@ private:
     std::string notNamed;
     bool isNothingLeft = false;
 };
-
-// ---- all damages of a state
-// ------------------------------------------------------------------------------------------
 
 /// What happens at once; the random numbers of each are its own, so that it can be repeated alone.
 using Case = std::vector<Damage>;

@@ -17,11 +17,17 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <set>
 
 namespace {
 
 using standalone::Failure;
 using standalone::LogbookReader;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::Pair;
+using testing::StartsWith;
 
 using LogbookFailure = SqliteLogbook;
 
@@ -65,7 +71,7 @@ TEST_F(LogbookFailure, IsForeignWhenItIsOfASchemaThatNeverWas) {
     const auto refused = refusal();
     ASSERT_TRUE(refused);
     EXPECT_EQ(refused->first, Failure::Foreign);
-    EXPECT_THAT(refused->second, testing::StartsWith(file.string() + ": written by schema 0, this program reads "));
+    EXPECT_THAT(refused->second, StartsWith(file.string() + ": written by schema 0, this program reads "));
 }
 
 /// While it lasts, one of the calls of a kind fails.
@@ -98,28 +104,41 @@ TEST_F(LogbookFailure, IsOfInputAndOutputWhenNothingTellsThatItHasALog) {
     EXPECT_EQ(stored(), Texts{"a"});
 }
 
-TEST_F(LogbookFailure, IsOfInputAndOutputWhileItIsMade) {
-    for (int which = 0; which < 20; ++which) {
-        std::filesystem::remove(file);
-        const OneFailingCall reading(support::FileCall::Read, which);
-        if (const auto refused = refusal()) {
-            EXPECT_EQ(refused->first, Failure::InputOutput) << refused->second;
+/// What the making of a logbook is refused with, each time that another of the calls of a kind fails.
+class UnmadeLogbook : public SqliteLogbook {
+protected:
+    std::set<Refusal> refusals(support::FileCall kind) const {
+        std::set<Refusal> all;
+        constexpr int calls = 20;
+        for (int which = 0; which < calls; ++which) {
+            std::filesystem::remove(file);
+            const OneFailingCall failing(kind, which);
+            if (const auto refused = refusal()) {
+                all.insert(*refused);
+            }
         }
+        return all;
     }
-    add(*open(), "a");
-    EXPECT_EQ(stored(), Texts{"a"});
+
+    void expectToBeMadeNow() const {
+        add(*open(), "a");
+        EXPECT_EQ(stored(), Texts{"a"});
+    }
+};
+
+TEST_F(UnmadeLogbook, IsOfInputAndOutputWhenNothingCanBeRead) {
+    const auto all = refusals(support::FileCall::Read);
+    EXPECT_THAT(all, Each(Pair(Failure::InputOutput, StartsWith(file.string()))));
+    EXPECT_THAT(all,
+                Contains(Refusal(Failure::InputOutput, file.string() + "-making: disk I/O error: Input/output error")));
+    expectToBeMadeNow();
 }
 
-TEST_F(LogbookFailure, IsOfInputAndOutputWhenItsFolderCanNotBeSynced) {
-    for (int which = 0; which < 8; ++which) {
-        std::filesystem::remove(file);
-        const OneFailingCall syncing(support::FileCall::Sync, which);
-        if (const auto refused = refusal()) {
-            EXPECT_EQ(refused->first, Failure::InputOutput) << refused->second;
-        }
-    }
-    add(*open(), "a");
-    EXPECT_EQ(stored(), Texts{"a"});
+TEST_F(UnmadeLogbook, IsOfInputAndOutputWhenNothingCanBeSynced) {
+    EXPECT_THAT(refusals(support::FileCall::Sync),
+                ElementsAre(Refusal(Failure::InputOutput, file.string() + "-making: Input/output error"),
+                            Refusal(Failure::InputOutput, folder.path().string() + ": Input/output error")));
+    expectToBeMadeNow();
 }
 
 TEST_F(LogbookFailure, IsMissingWhenThereIsNoneToRead) {

@@ -109,6 +109,18 @@ TEST_F(DamagedLogbook, IsHealedWhenItIsOpenedAndTellsWhatIsLost) {
     EXPECT_EQ(id(), before);
 }
 
+/// Its healer was killed when the log was gone; a program of others then left an empty one.
+TEST_F(DamagedLogbook, IsReplacedByTheHealedOneThatIsThere) {
+    addTexts(*open(), 1, 40);
+    const std::string whole = support::contentOf(file);
+    spoil(text(17));
+    support::write(folder / "lgbTest.db-healed", whole);
+    support::write(log, "");
+    EXPECT_EQ(toldBy([this] { open(); }), "");
+    EXPECT_EQ(stored(), textsDown(40, 1));
+    EXPECT_FALSE(std::filesystem::exists(aside(1)));
+}
+
 TEST_F(DamagedLogbook, GoesOnWithItsNumbers) {
     addTexts(*open(), 1, 40);
     spoil(text(40));
@@ -682,6 +694,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Contradiction{"WithLostNumbersOutOfOrder", "INSERT INTO lost VALUES (8, 7, 0)"},
                     Contradiction{"WithLostNumbersThatOverlap", "INSERT INTO lost VALUES (7, 9, 0), (8, 10, 0)"},
                     Contradiction{"WithLostNumbersBeyondAll", "INSERT INTO lost VALUES (7, 4611686018427387905, 0)"},
+                    Contradiction{"WithAnEmptyStatement",
+                                  "PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = '' WHERE sql IS NULL"},
                     Contradiction{"WithFewerTables", "DROP TABLE lost"},
                     Contradiction{"WithoutTables", "DROP TABLE lost; DROP TABLE record; DROP TABLE logbook"},
                     Contradiction{"WithAnotherVersion", "PRAGMA user_version = 7"},

@@ -195,17 +195,39 @@ TEST_F(ReadLogbook, ReadsACopyWhoseLogHoldsNothing) {
 }
 
 TEST_F(ReadLogbook, LooksAgainWhenACopyChangesMeanwhile) {
-    addAndClose(1, 3);
-    const std::filesystem::path log = file.string() + "-wal";
-    std::filesystem::remove(log);
+    addAndClose(1, 2);
+    std::filesystem::remove(file.string() + "-wal");
     std::filesystem::remove(file.string() + "-shm");
-    {
-        const support::Meanwhile reading(support::FileCall::Read, 1,
-                                         [&] { support::write(file, support::contentOf(file)); });
-        EXPECT_EQ(LogbookReader(file).count(), 3);
+    const std::string older = support::contentOf(file);
+    const auto olderTime = std::filesystem::last_write_time(file);
+    addAndClose(3, 3);
+    std::filesystem::remove(file.string() + "-wal");
+    std::filesystem::remove(file.string() + "-shm");
+    const std::string newer = support::contentOf(file);
+    bool happened = true;
+    for (int which = 0; happened; ++which) {
+        support::write(file, older);
+        std::filesystem::last_write_time(file, olderTime);
+        happened = false;
+        int left = which;
+        const support::Meanwhile reading(support::FileCall::Read, 1000, [&] {
+            if (left-- == 0) {
+                happened = true;
+                support::write(file, newer);
+            }
+        });
+        const auto count = LogbookReader(file).count();
+        EXPECT_EQ(count, happened ? 3 : 2) << "changed before read " << which;
     }
-    const support::Meanwhile reading(support::FileCall::Read, 1, [&] { support::write(log, ""); });
+}
+
+TEST_F(ReadLogbook, MakesNoLogWhereOnlyItsIndexIsLeft) {
+    addAndClose(1, 3);
+    std::filesystem::remove(file.string() + "-wal");
+    support::write(file.string() + "-shm", "");
+    const Files before = files();
     EXPECT_EQ(LogbookReader(file).count(), 3);
+    EXPECT_EQ(files(), before);
 }
 
 TEST_F(ReadLogbook, LooksAgainWhenItComesIntoUseMeanwhile) {

@@ -1,7 +1,7 @@
 #include "DatabaseContract.h"
 #include "SqliteLogbook.h"
-#include "Syncs.h"
 #include "SystemCall.h"
+#include "calls.h"
 
 #include <tqbase2/system/Exception.h>
 

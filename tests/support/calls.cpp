@@ -1,6 +1,5 @@
 #include "calls.h"
 
-#include "Syncs.h"
 #include "insteadOf.h"
 
 #include <fcntl.h>

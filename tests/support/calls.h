@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 // What a test does in place of the system calls of this program, SQLite's too, and of the processes that it forks. For
@@ -38,5 +39,8 @@ using Fates = Fate (*)(FileCall call);
 
 /// From now on.
 void setFates(Fates fates);
+
+/// How often this program has waited for the disk.
+inline std::atomic<int> syncs = 0;
 
 }  // namespace support

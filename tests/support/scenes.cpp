@@ -72,25 +72,84 @@ Folder killed(std::uint32_t capacity, int records, int recordsInLog) {
 }
 
 constexpr std::size_t pageBytes = 1024;
+constexpr std::size_t logHeaderBytes = 32;
 constexpr std::size_t frameBytes = 24 + pageBytes;
-
-void losePage(Folder& folder, std::size_t page) {
-    databaseIn(folder).replace((page - 1) * pageBytes, pageBytes, pageBytes, '\0');
-}
 
 void flipByte(std::string& file, std::size_t at) {
     file.at(at) = static_cast<char>(file.at(at) ^ 0x10);
 }
 
+Folder withPageLost(std::size_t page, Folder folder) {
+    databaseIn(folder).replace((page - 1) * pageBytes, pageBytes, pageBytes, '\0');
+    return folder;
+}
+
+Folder withRecordChanged(int record, Folder folder) {
+    const std::string begin = "record " + std::to_string(record);
+    flipByte(databaseIn(folder), databaseIn(folder).find(begin) + begin.size() + 3);
+    return folder;
+}
+
+Folder withDatabaseCutTo(std::size_t bytes, Folder folder) {
+    databaseIn(folder).resize(bytes);
+    return folder;
+}
+
+Folder withFrameOfLogDamaged(std::size_t frame, Folder folder) {
+    flipByte(logIn(folder), logHeaderBytes + frame * frameBytes + 600);
+    return folder;
+}
+
 /// Where the newest frame of a log begins: those behind it are left from before the log began anew.
 std::size_t lastFrame(const std::string& log) {
-    constexpr std::size_t headerBytes = 32;
     constexpr std::size_t saltsAt = 16;
-    std::size_t at = headerBytes;
-    while (log.compare(at + frameBytes + 8, 8, log, saltsAt, 8) == 0) {
+    std::size_t at = logHeaderBytes;
+    while (at + 2 * frameBytes <= log.size() && log.compare(at + frameBytes + 8, 8, log, saltsAt, 8) == 0) {
         at += frameBytes;
     }
     return at;
+}
+
+Folder withFrameBeforeTheLastDamaged(Folder folder) {
+    flipByte(logIn(folder), lastFrame(logIn(folder)) - frameBytes + 300);
+    return folder;
+}
+
+Folder withLastCommitDamaged(Folder folder) {
+    flipByte(logIn(folder), lastFrame(logIn(folder)) + 9);
+    return folder;
+}
+
+Folder withLogOf(Folder other, Folder folder) {
+    logIn(folder) = logIn(other);
+    return folder;
+}
+
+Folder withoutDatabase(Folder folder) {
+    folder.erase("lgbCustomer.db");
+    return folder;
+}
+
+Folder writtenWithoutLog(Folder folder) {
+    databaseIn(folder)[18] = '\1';
+    databaseIn(folder)[19] = '\1';
+    folder.erase("lgbCustomer.db-wal");
+    return folder;
+}
+
+/// An older database was put back beside the log of the newest.
+Folder withLogOfLater(int first, int last, Folder folder) {
+    const TemporaryFolder later;
+    write(later / "lgbCustomer.db", databaseIn(folder));
+    addRecords(*openLogbook(later.path(), 1), first, last);
+    return withLogOf(filesOf(later.path()), std::move(folder));
+}
+
+Folder withTwoSetsAside(Folder folder) {
+    folder["lgbCustomer.damaged-1.db"] = "one";
+    folder["lgbCustomer.damaged-1.db-wal"] = "its log";
+    folder["lgbCustomer.damaged-2.db"] = "another";
+    return folder;
 }
 
 /// In that order, and perhaps with others in between.
@@ -105,150 +164,38 @@ bool isIn(const Texts& some, const Texts& all) {
 }  // namespace
 
 const std::vector<Scene>& scenes() {
+    constexpr std::size_t sixPagesAndSome = 6 * pageBytes + 100;
     static const std::vector<Scene> all = {
         {"nothing", 20, 0, false, [] { return Folder(); }},
         {"a whole logbook", 20, 20, false, [] { return closed(20, 50); }},
         {"a logbook that is to grow", 600, 20, false, [] { return closed(20, 50); }},
-        {"a logbook that was written without a log", 20, 20, false,
-         [] {
-             Folder folder = closed(20, 50);
-             databaseIn(folder)[18] = '\1';
-             databaseIn(folder)[19] = '\1';
-             folder.erase("lgbCustomer.db-wal");
-             return folder;
-         }},
+        {"a logbook that was written without a log", 20, 20, false, [] { return writtenWithoutLog(closed(20, 50)); }},
         {"a log left by a killed writer", 20, 20, false, [] { return killed(20, 45, 9); }},
-        {"a page of records lost", 20, 20, true,
-         [] {
-             Folder folder = closed(20, 50);
-             losePage(folder, 7);
-             return folder;
-         }},
-        {"the root of records lost", 40, 40, true,
-         [] {
-             Folder folder = closed(40, 70);
-             losePage(folder, 4);
-             return folder;
-         }},
-        {"the header lost", 20, 20, true,
-         [] {
-             Folder folder = closed(20, 50);
-             losePage(folder, 1);
-             return folder;
-         }},
-        {"a record changed", 40, 40, true,
-         [] {
-             Folder folder = closed(40, 60);
-             flipByte(databaseIn(folder), databaseIn(folder).find("record 55") + 12);
-             return folder;
-         }},
+        {"a page of records lost", 20, 20, true, [] { return withPageLost(7, closed(20, 50)); }},
+        {"the root of records lost", 40, 40, true, [] { return withPageLost(4, closed(40, 70)); }},
+        {"the header lost", 20, 20, true, [] { return withPageLost(1, closed(20, 50)); }},
+        {"a record changed", 40, 40, true, [] { return withRecordChanged(55, closed(40, 60)); }},
         {"a record changed, newer ones in the log", 40, 40, true,
-         [] {
-             Folder folder = killed(40, 60, 6);
-             flipByte(databaseIn(folder), databaseIn(folder).find("record 50") + 12);
-             return folder;
-         }},
-        {"a short database", 20, 17, true,
-         [] {
-             Folder folder = closed(20, 50);
-             databaseIn(folder).resize(6 * pageBytes + 100);
-             return folder;
-         }},
-        {"an empty database", 20, 20, true,
-         [] {
-             Folder folder = closed(20, 50);
-             databaseIn(folder).clear();
-             return folder;
-         }},
-        {"a damaged log", 20, 20, true,
-         [] {
-             Folder folder = killed(20, 45, 9);
-             flipByte(logIn(folder), 32 + 5 * frameBytes + 600);
-             return folder;
-         }},
-        {"a log damaged near its end", 20, 20, true,
-         [] {
-             Folder folder = killed(20, 45, 9);
-             flipByte(logIn(folder), lastFrame(logIn(folder)) - frameBytes + 300);
-             return folder;
-         }},
-        {"a log whose last commit is damaged", 20, 20, true,
-         [] {
-             Folder folder = killed(20, 45, 9);
-             flipByte(logIn(folder), lastFrame(logIn(folder)) + 9);
-             return folder;
-         }},
+         [] { return withRecordChanged(50, killed(40, 60, 6)); }},
+        {"a short database", 20, 17, true, [] { return withDatabaseCutTo(sixPagesAndSome, closed(20, 50)); }},
+        {"an empty database", 20, 20, true, [] { return withDatabaseCutTo(0, closed(20, 50)); }},
+        {"a damaged log", 20, 20, true, [] { return withFrameOfLogDamaged(5, killed(20, 45, 9)); }},
+        {"a log damaged near its end", 20, 20, true, [] { return withFrameBeforeTheLastDamaged(killed(20, 45, 9)); }},
+        {"a log whose last commit is damaged", 20, 20, true, [] { return withLastCommitDamaged(killed(20, 45, 9)); }},
         {"a damaged log and a page lost", 20, 20, true,
-         [] {
-             Folder folder = killed(20, 45, 9);
-             flipByte(logIn(folder), 32 + 2 * frameBytes + 600);
-             losePage(folder, 6);
-             return folder;
-         }},
-        {"the log of another logbook", 20, 20, true,
-         [] {
-             Folder folder = closed(20, 50);
-             Folder other = killed(20, 10, 5);
-             logIn(folder) = logIn(other);
-             return folder;
-         }},
-        {"a log without its database", 20, 0, true,
-         [] {
-             Folder folder = killed(20, 45, 9);
-             folder.erase("lgbCustomer.db");
-             return folder;
-         }},
-        {"an older database", 20, 20, true,
-         [] {
-             Folder folder = closed(20, 50);
-             const TemporaryFolder later;
-             write(later / "lgbCustomer.db", databaseIn(folder));
-             addRecords(*openLogbook(later.path(), 20), 51, 55);
-             logIn(folder) = contentOf(later / "lgbCustomer.db-wal");
-             return folder;
-         }},
+         [] { return withPageLost(6, withFrameOfLogDamaged(2, killed(20, 45, 9))); }},
+        {"the log of another logbook", 20, 20, true, [] { return withLogOf(killed(20, 10, 5), closed(20, 50)); }},
+        {"a log without its database", 20, 0, true, [] { return withoutDatabase(killed(20, 45, 9)); }},
+        {"an older database", 20, 20, true, [] { return withLogOfLater(51, 55, closed(20, 50)); }},
         {"a page lost for the third time", 300, 290, true,
-         [] {
-             Folder folder = closed(300, 320);
-             losePage(folder, 20);
-             folder["lgbCustomer.damaged-1.db"] = "one";
-             folder["lgbCustomer.damaged-1.db-wal"] = "its log";
-             folder["lgbCustomer.damaged-2.db"] = "another";
-             return folder;
-         }},
-        {"a record changed among few", 7, 6, true,
-         [] {
-             Folder folder = closed(7, 10);
-             flipByte(databaseIn(folder), databaseIn(folder).find("record 9") + 12);
-             return folder;
-         }},
-        {"a damaged log of few", 7, 7, true,
-         [] {
-             Folder folder = killed(7, 7, 3);
-             flipByte(logIn(folder), 32 + frameBytes + 600);
-             return folder;
-         }},
+         [] { return withTwoSetsAside(withPageLost(20, closed(300, 320))); }},
+        {"a record changed among few", 7, 6, true, [] { return withRecordChanged(9, closed(7, 10)); }},
+        {"a damaged log of few", 7, 7, true, [] { return withFrameOfLogDamaged(1, killed(7, 7, 3)); }},
         {"a log of few, damaged near its end", 7, 7, true,
-         [] {
-             Folder folder = killed(7, 7, 3);
-             flipByte(logIn(folder), lastFrame(logIn(folder)) - frameBytes + 300);
-             return folder;
-         }},
+         [] { return withFrameBeforeTheLastDamaged(killed(7, 7, 3)); }},
         {"a page of few lost for the third time", 7, 0, true,
-         [] {
-             Folder folder = closed(7, 10);
-             losePage(folder, 1);
-             folder["lgbCustomer.damaged-1.db"] = "one";
-             folder["lgbCustomer.damaged-2.db"] = "another";
-             return folder;
-         }},
-        {"the log of another logbook beside few", 7, 7, true,
-         [] {
-             Folder folder = closed(7, 10);
-             Folder other = killed(7, 2, 2);
-             logIn(folder) = logIn(other);
-             return folder;
-         }},
+         [] { return withTwoSetsAside(withPageLost(1, closed(7, 10))); }},
+        {"the log of another logbook beside few", 7, 7, true, [] { return withLogOf(killed(7, 2, 2), closed(7, 10)); }},
     };
     return all;
 }

@@ -1,5 +1,5 @@
-#include "Syncs.h"
 #include "TemporaryFolder.h"
+#include "calls.h"
 #include "writeFile.h"
 
 #include <sys/stat.h>
