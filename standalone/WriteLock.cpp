@@ -21,6 +21,7 @@ WriteLock::WriteLock(const std::string& database)
     constexpr int indexBytes = 32 * 1024;
     volatile void* index = nullptr;
     if (file->pMethods->xShmMap(file, 0, indexBytes, 1, &index) != SQLITE_OK) {
+        file->pMethods->xShmUnmap(file, 0);  // it may be mapped in part
         refuse(database, EIO);
     }
     const Waiting waiting;

@@ -19,6 +19,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <filesystem>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
@@ -228,13 +230,19 @@ private:
     std::uint64_t thrown = 0;
 };
 
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
 void runWith(const Fault& fault, const Stage& stage, Seen& seen) {
+    const std::ptrdiff_t before = openDescriptors();
     Session session(stage, fault, seen.failures);
     seen.errors.take();
     session.work();
     // Without room for a copy, recording goes on in the damaged file.
     const bool mayLack = seen.errors.take().find("; the logbook can't be healed, ") != std::string::npos;
     stage.look(session.title(), session.addedRecords(), seen.figures.aftermath, seen.failures, mayLack);
+    seen.failures.expect(openDescriptors() == before, stage.title() + ", " + session.title() + ": a file is left open");
     ++seen.figures.faults;
     seen.figures.missed += calls.failed == 0 ? 1U : 0U;
     seen.figures.thrown += session.thrownInAll();
