@@ -20,9 +20,11 @@ WriteLock::WriteLock(const std::string& database)
     : connection(pathForSqlite(database), SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW), file(connection.file()) {
     constexpr int indexBytes = 32 * 1024;
     volatile void* index = nullptr;
+    errno = 0;
     if (file->pMethods->xShmMap(file, 0, indexBytes, 1, &index) != SQLITE_OK) {
+        const int error = errno;
         file->pMethods->xShmUnmap(file, 0);  // it may be mapped in part
-        refuse(database, EIO);
+        refuse(database, error == 0 ? EIO : error);
     }
     const Waiting waiting;
     while (file->pMethods->xShmLock(file, first, count, SQLITE_SHM_LOCK | SQLITE_SHM_EXCLUSIVE) != SQLITE_OK) {

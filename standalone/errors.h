@@ -39,7 +39,7 @@ enum class Failure {
     Foreign,      ///< no logbook of ours, or no regular file
     InputOutput,  ///< the medium fails
     Missing,      ///< there is no such logbook, or nothing says where the logbooks are
-    Memory,       ///< there is no memory left
+    Memory,       ///< there is no memory left, or no number for one more open file
 };
 
 /// A logbook file or folder that can't be used; names it and says why.

@@ -13,7 +13,7 @@ struct Kind {
     Failure failure;
 };
 
-constexpr std::array<Kind, 9> ofSystem = {{
+constexpr std::array<Kind, 13> ofSystem = {{
     {ENOSPC, Failure::Full},
     {EDQUOT, Failure::Full},
     {EFBIG, Failure::Full},
@@ -22,6 +22,10 @@ constexpr std::array<Kind, 9> ofSystem = {{
     {EROFS, Failure::ReadOnly},
     {ENOENT, Failure::Missing},
     {ENOMEM, Failure::Memory},
+    {EMFILE, Failure::Memory},
+    {ENFILE, Failure::Memory},
+    {ENOTDIR, Failure::Foreign},
+    {EISDIR, Failure::Foreign},
     {ELOOP, Failure::Foreign},
 }};
 
