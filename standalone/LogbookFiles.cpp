@@ -12,7 +12,9 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -73,7 +75,11 @@ LogbookFiles::LogbookFiles(std::string path)
       healed(database + "-healed") {}
 
 std::string pathForSqlite(const std::string& file) {
-    return file.rfind('/', 0) == 0 ? file : "./" + file;
+    const std::unique_ptr<char, void (*)(void*)> folder(realpath(folderOf(file).c_str(), nullptr), std::free);
+    if (!folder) {
+        refuse(file, errno);
+    }
+    return std::string(folder.get()) + '/' + file.substr(file.rfind('/') + 1);
 }
 
 std::optional<FileState> stateOf(const std::string& file) {
@@ -133,6 +139,14 @@ void syncFolder(const std::string& folder) {
     close(descriptor);
     if (error != 0 && error != EINVAL) {  // a file system whose folders need none
         refuse(folder, error);
+    }
+}
+
+void syncFolders(const std::string& folder) {
+    syncFolder(folder);
+    const std::string parent = folderOf(folder);
+    if (parent != folder && access(parent.c_str(), R_OK) == 0) {
+        syncFolders(parent);
     }
 }
 

@@ -23,7 +23,8 @@ struct LogbookFiles {
     std::string healed;   ///< a whole one, to take the place of a damaged one
 };
 
-/// A path that SQLite takes for nothing else, such as a URI.
+/// The same file by a path without links to folders, none of which SQLite would follow; a URI it can't be.
+/// @throws DatabaseError, when there is no such folder
 std::string pathForSqlite(const std::string& file);
 
 /// What tells a file from another that has got its name, and how long it is.
@@ -52,6 +53,9 @@ void makeFolder(const std::string& folder);
 
 /// Makes what the names in a folder stand for safe from power loss.
 void syncFolder(const std::string& folder);
+
+/// The same for those above it, too, as far as they may be read.
+void syncFolders(const std::string& folder);
 
 /// Removes a file, if there is one.
 void removeFile(const std::string& file);

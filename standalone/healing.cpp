@@ -213,7 +213,7 @@ bool makeIfMissing(const LogbookFiles& files, std::int64_t capacity) {
     NewFile made(files.making, {newId(), capacity, 0}, {});
     made.finish();
     renameFile(files.making, files.database, false);
-    syncFolder(files.folder);
+    syncFolders(files.folder);  // who made them may have been killed before
     return true;
 }
 

@@ -20,7 +20,7 @@ namespace {
 
 /// The file's name as a URI, without a host even if it begins with two slashes.
 std::string uriOf(const std::string& file) {
-    std::string uri = file.front() == '/' ? "file://" : "file:";
+    std::string uri = "file://";
     for (const char letter : file) {
         const std::size_t special = std::string_view("%?#").find(letter);
         if (special == std::string_view::npos) {
@@ -80,7 +80,7 @@ Connection ReadingConnection::connect() const {
                                                   ", which can't be read without " + files.index);
     }
     try {
-        return Connection(uriOf(files.database) + (isInUse ? "?readonly_shm=1" : "?immutable=1"),
+        return Connection(uriOf(pathForSqlite(files.database)) + (isInUse ? "?readonly_shm=1" : "?immutable=1"),
                           SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOFOLLOW);
     } catch (const SqliteError& exception) {
         if (access(files.database.c_str(), R_OK) != 0) {
