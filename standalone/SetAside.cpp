@@ -1,11 +1,15 @@
 #include "SetAside.h"
 
+#include "failures.h"
+
 #include <dirent.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string_view>
 #include <system_error>
 
@@ -15,8 +19,8 @@ SetAside::SetAside(const LogbookFiles& files)
     : folder(files.folder), beginning(std::filesystem::path(files.database).stem().string() + ".damaged-") {}
 
 std::string SetAside::next() const {
-    const std::vector<unsigned long> used = numbers();
-    return nameOf(used.empty() ? 1 : used.back() + 1);
+    const std::set<unsigned long> used = numbers();
+    return nameOf(used.empty() ? 1 : *used.rbegin() + 1);
 }
 
 std::vector<std::string> SetAside::all() const {
@@ -30,27 +34,33 @@ std::vector<std::string> SetAside::all() const {
 bool SetAside::removeOld(std::size_t kept) const {
     std::vector<std::string> databases = all();
     databases.resize(databases.size() - std::min(databases.size(), kept));
+    bool isAnyRemoved = false;
     for (const std::string& database : databases) {
-        removeSet(database);
+        try {
+            removeSet(database);
+            isAnyRemoved = true;
+        } catch (const DatabaseError&) {  // it stays, and stops nobody
+        }
     }
-    return !databases.empty();
+    return isAnyRemoved;
 }
 
-/// Ascending, each once. By the C library: the standard one's iterator ends the program when there is no memory.
-std::vector<unsigned long> SetAside::numbers() const {
+/// By the C library: the standard one's iterator ends the program when there is no memory.
+std::set<unsigned long> SetAside::numbers() const {
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), closedir);
-    std::vector<unsigned long> found;
+    if (!entries && errno != ENOENT) {
+        refuse(folder, errno);
+    }
+    std::set<unsigned long> found;
     while (const dirent* const entry = entries ? readdir(entries.get()) : nullptr) {
         const std::string_view name = entry->d_name;
         unsigned long number = 0;
         const bool isOurs = name.substr(0, beginning.size()) == beginning;
         if (isOurs &&
             std::from_chars(name.data() + beginning.size(), name.data() + name.size(), number).ec == std::errc()) {
-            found.push_back(number);
+            found.insert(number);
         }
     }
-    std::sort(found.begin(), found.end());
-    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 

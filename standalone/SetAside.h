@@ -3,6 +3,7 @@
 #include "LogbookFiles.h"
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,12 +23,12 @@ public:
 
     static constexpr std::size_t usuallyKept = 2;
 
-    /// Removes all but the newest sets.
-    /// @return whether there were any to remove
+    /// Removes all but the newest sets, as far as that is possible.
+    /// @return whether any was removed
     bool removeOld(std::size_t kept = usuallyKept) const;
 
 private:
-    std::vector<unsigned long> numbers() const;
+    std::set<unsigned long> numbers() const;
 
     std::string nameOf(unsigned long number) const { return folder + '/' + beginning + std::to_string(number) + ".db"; }
 
