@@ -27,6 +27,9 @@ constexpr std::uint32_t lostRoot = 5;
 constexpr char branch = 5;
 constexpr char leaf = 13;
 
+// Followed to further pages. Each copy of a page leads to those of its records, and a log may hold a hundred copies.
+constexpr std::size_t mostLinksPerPage = 256;
+
 /// What the id of a logbook adds to the check values of its records, the same for all of them.
 std::uint32_t signatureOf(const LogbookId& id) {
     const NumberedRecord any{0, 0, 0, "", ""};
@@ -43,8 +46,9 @@ using Checked = std::pair<NumberedRecord, std::uint32_t>;
 
 std::optional<Checked> recordIn(std::string_view payload, std::int64_t rowId) {
     const Values values = cells::valuesOf(payload, 6);
-    if (!values || rowId < 1 || !areIntegers(*values, {1, 2, 5}) || (*values)[0].type != Value::Type::Null ||
-        (*values)[3].type != Value::Type::Text || (*values)[4].type != Value::Type::Text) {
+    if (!values || rowId < 1 || rowId >= highestNumber || !areIntegers(*values, {1, 2, 5}) ||
+        (*values)[0].type != Value::Type::Null || (*values)[3].type != Value::Type::Text ||
+        (*values)[4].type != Value::Type::Text) {
         return std::nullopt;
     }
     return Checked{{rowId, (*values)[1].number, (*values)[2].number, (*values)[3].bytes, (*values)[4].bytes},
@@ -138,7 +142,10 @@ void RecordScan::lookForRecord(std::string_view page, std::size_t at, const cell
         return;
     }
     for (const Version chain : {Version::AsItWasThen, Version::Latest}) {
-        const auto payload = payloadOf(pages, page, cell, image, chain, tellNobody);
+        if (linksFollowed > mostLinksPerPage * pages.allBytes() / pages.pageBytes()) {
+            return;  // made to be searched for ever
+        }
+        const auto payload = payloadOf(pages, page, cell, image, chain, [this](const PageImage&) { ++linksFollowed; });
         if (const auto record = payload ? recordIn(*payload, cell.rowId) : std::nullopt) {
             candidates.push_back({cell.rowId, record->second ^ checksum(record->first, noId), image, at,
                                   cell.payloadAt + cell.localBytes, chain});

@@ -115,6 +115,7 @@ private:
     std::optional<EdgeRow> edge(Edge which) const;
 
     LogbookPages pages;
+    std::size_t linksFollowed = 0;  // from what looks like a record
     std::vector<Candidate> candidates;
     std::vector<FoundHead> heads;
     std::vector<LostRange> ranges;
