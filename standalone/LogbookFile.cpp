@@ -347,7 +347,7 @@ OpenedLogbook openLogbook(const LogbookFiles& files, const WantedCapacity& wante
             throw;
         }
         const bool hadSpace = lock.giveSpaceBack();
-        if (isNew) {
+        if (isNew && stateOf(files.database)) {
             removeNew(files);
         }
         if (isNew || !hadSpace) {
