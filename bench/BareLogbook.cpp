@@ -118,10 +118,10 @@ BareLogbook::BareLogbook(const std::string& file, std::int64_t recordsKept, int 
       begin(connection.handle, "BEGIN IMMEDIATE"),
       commit(connection.handle, "COMMIT"),
       selectPage(connection.handle, schema::selectRecords(schema::onPage).c_str()),
-      selectNewest(connection.handle, schema::selectNewest),
+      selectNewest(connection.handle, "SELECT (SELECT max(number) FROM record), cleared FROM logbook"),
       insertRecord(connection.handle, schema::insertRecord),
       deleteOldest(connection.handle, schema::deleteOldest),
-      selectEnds(connection.handle, schema::selectEnds),
+      selectEnds(connection.handle, "SELECT (SELECT min(number) FROM record), (SELECT max(number) FROM record)"),
       updateLogbook(connection.handle, schema::updateLogbook),
       deleteAll(connection.handle, schema::deleteAll),
       deleteAllLost(connection.handle, schema::deleteAllLost) {}

@@ -44,6 +44,11 @@ std::int64_t LostRanges::recordsBetween(std::int64_t oldest, std::int64_t newest
     return records;
 }
 
+bool LostRanges::holds(std::int64_t number) const {
+    return std::any_of(ranges.begin(), ranges.end(),
+                       [&](const LostRange& range) { return number >= range.first && number <= range.last; });
+}
+
 std::int64_t LostRanges::newest(std::int64_t newestRecord) const {
     return ranges.empty() ? newestRecord : std::max(newestRecord, ranges.back().last);
 }

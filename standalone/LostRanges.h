@@ -28,6 +28,8 @@ public:
     /// How many records there are from one number to another, both included.
     std::int64_t recordsBetween(std::int64_t oldest, std::int64_t newest) const;
 
+    bool holds(std::int64_t number) const;
+
     /// The newest number that was ever given out.
     std::int64_t newest(std::int64_t newestRecord) const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <utility>
 
 namespace standalone {
@@ -26,15 +27,16 @@ void addLost(Remains& remains, std::vector<LostRange>& all, std::int64_t first, 
 
 /// Of what looks like ranges known to be lost those that can be: without a record, and apart.
 LostRanges knownLost(const RecordScan& scan, const std::vector<std::int64_t>& numbers) {
-    std::vector<LostRange> ranges = scan.perhapsLost();
-    std::sort(ranges.begin(), ranges.end(),
-              [](const LostRange& one, const LostRange& other) { return one.first < other.first; });
+    std::multimap<std::int64_t, LostRange> ranges;
+    for (const LostRange& range : scan.perhapsLost()) {
+        ranges.emplace(range.first, range);
+    }
     std::vector<LostRange> known;
-    for (const LostRange& range : ranges) {
-        const auto next = std::lower_bound(numbers.begin(), numbers.end(), range.first);
+    for (const auto& [first, range] : ranges) {
+        const auto next = std::lower_bound(numbers.begin(), numbers.end(), first);
         const bool isEmpty = next == numbers.end() || *next > range.last;
-        const bool isApart = known.empty() || range.first > known.back().last;
-        if (range.first > 0 && range.last >= range.first && range.last <= scan.newestKnown() && isEmpty && isApart) {
+        const bool isApart = known.empty() || first > known.back().last;
+        if (first > 0 && range.last >= first && range.last <= scan.newestKnown() && isEmpty && isApart) {
             known.push_back(range);
         }
     }

@@ -71,38 +71,40 @@ struct SqliteDatabase::Session {
           lost(found.lost),
           transactions(connection, TransactionStatements::writing),
           selectPage(connection, schema::selectRecords(schema::onPage)),
-          selectNewest(connection, schema::selectNewest),
+          selectBounds(connection, schema::selectBounds),
           insertRecord(connection, schema::insertRecord),
-          deleteOldest(connection, schema::deleteOldest),
-          selectEnds(connection, schema::selectEnds) {}
+          deleteOldest(connection, schema::deleteOldest) {}
 
     bool isInPlace() const noexcept { return file ? file->isInPlace() : reading->isStillRight(); }
 
     Numbers numbers() {
-        const Use use(selectNewest);
-        selectNewest.step();
-        const std::int64_t known = selectNewest.number(selectNewest.isNull(0) ? 1 : 0);
-        return {lost.newest(known), selectNewest.number(2)};
+        const Use use(selectBounds);
+        selectBounds.step();
+        if (selectBounds.number(4) != (lost.all().empty() ? 0 : lost.all().back().first)) {
+            lost = lostOf(connection);  // others may have given up numbers
+        }
+        const bool isEmpty = selectBounds.isNull(1);
+        const std::int64_t last = selectBounds.number(isEmpty ? 2 : 1);
+        return {isEmpty ? last + 1 : selectBounds.number(0), last, lost.newest(last), selectBounds.number(3)};
     }
 
     std::int64_t stored() {
-        const Use use(selectEnds);
-        selectEnds.step();
-        return selectEnds.isNull(0) ? 0 : lost.recordsBetween(selectEnds.number(0), selectEnds.number(1));
+        const Numbers all = numbers();
+        return lost.recordsBetween(all.oldest, all.newestRecord);
     }
 
     /// How many numbers to skip for so many records.
     std::int64_t skip(unsigned int records) {
-        if (lost.all().empty()) {
-            return records;
-        }
-        const Use use(selectEnds);
-        selectEnds.step();
-        const std::int64_t newest = selectEnds.number(1);
+        const std::int64_t newest = numbers().newestRecord;
         return newest - lost.before(newest, records);
     }
 
-    void insert(const NumberedRecord& record) { standalone::insert(insertRecord, record, id); }
+    void insert(const NumberedRecord& record) {
+        if (record.number >= highestNumber) {
+            throw Fault{Failure::Full, "all numbers are given out"};
+        }
+        standalone::insert(insertRecord, record, id);
+    }
 
     /// Drops what is older than the newest so many.
     void keep(std::int64_t records, std::int64_t newest) {
@@ -177,10 +179,9 @@ struct SqliteDatabase::Session {
     LostRanges lost;
     TransactionStatements transactions;
     Statement selectPage;
-    Statement selectNewest;
+    Statement selectBounds;
     Statement insertRecord;
     Statement deleteOldest;
-    Statement selectEnds;
 };
 
 /// Sees to it that what the operation works on is open, and in place.
@@ -251,17 +252,20 @@ bool SqliteDatabase::openingAnewHelps(Failure failure) {
 /// Closes what is no longer in place, and keeps what only it may have.
 void SqliteDatabase::leave(bool silently) {
     if (!silently) {
+        try {
+            leftRecords = session->newestRecords();
+            leftId = session->id;
+        } catch (const SqliteError& exception) {
+            if (failureOf(exception) == Failure::Memory) {
+                throw;
+            }
+            leftRecords.clear();  // as gone as the file
+        }
         const bool isDatabase = session->file->isDatabaseInPlace();
         report(Level::Error, files.database +
                                  (isDatabase ? ": its log was deleted or replaced while in use"
                                              : ": was deleted or replaced while in use") +
                                  "; recording goes on in what is there now");
-        try {
-            leftRecords = session->newestRecords();
-            leftId = session->id;
-        } catch (const std::exception&) {
-            leftRecords.clear();  // as gone as the file
-        }
     }
     session.reset();
 }
@@ -293,7 +297,9 @@ void SqliteDatabase::openForReading() {
 /// Sees to it that nothing is left of what happened to the logbook before.
 void SqliteDatabase::settle(LogFindings& log) {
     try {
-        putBack(log);
+        takeOver(log);
+        const std::int64_t newestLeft = leftRecords.empty() ? 0 : leftRecords.back().number;
+        putBackWhatFits(std::max(newestLeft, log.newestKnown(session->id)));
     } catch (...) {
         session.reset();
         throw;
@@ -306,8 +312,8 @@ void SqliteDatabase::settle(LogFindings& log) {
     }
 }
 
-/// What was cut off in a log, and what a file that was left holds of the newest records and the file does not.
-void SqliteDatabase::putBack(LogFindings& log) {
+/// What was cut off in a log comes behind what a file that was left held.
+void SqliteDatabase::takeOver(LogFindings& log) {
     if (leftId != session->id) {
         leftRecords.clear();
         leftId = session->id;
@@ -319,15 +325,38 @@ void SqliteDatabase::putBack(LogFindings& log) {
             ++next;
         }
     }
-    const std::int64_t newestKnown = log.newestKnown(session->id);
-    if (leftRecords.empty() && newestKnown < next) {
+}
+
+/// Where the disk is full, only the newest.
+void SqliteDatabase::putBackWhatFits(std::int64_t newestKnown) {
+    while (true) {
+        try {
+            putBack(newestKnown);
+            return;
+        } catch (const SqliteError& exception) {
+            if (failureOf(exception) != Failure::Full || leftRecords.empty()) {
+                throw;
+            }
+        }
+        session->lost = lostOf(session->connection);
+        const auto half = static_cast<std::ptrdiff_t>((leftRecords.size() + 1) / 2);
+        leftRecords.erase(leftRecords.begin(), leftRecords.begin() + half);
+    }
+}
+
+/// What the file does not hold of these, unless it was cleared or dropped there.
+void SqliteDatabase::putBack(std::int64_t newestKnown) {
+    if (leftRecords.empty() && newestKnown <= session->numbers().newest) {
         return;
     }
     Transaction transaction(session->transactions);
     std::vector<LostRange> added;
     std::vector<LostRange> lost;
+    const std::int64_t oldest = session->numbers().oldest;
+    const LostRanges lostBefore = session->lost;
     for (const FoundRecord& record : leftRecords) {
-        if (!session->holds(record)) {
+        const bool mayBeUnknown = record.number >= oldest || lostBefore.holds(record.number);
+        if (mayBeUnknown && !session->holds(record)) {
             session->loseTo(record.number - 1, lost);
             const std::int64_t number = session->numbers().newest + 1;
             session->insert(numbered(number, record));
@@ -335,8 +364,8 @@ void SqliteDatabase::putBack(LogFindings& log) {
         }
     }
     session->loseTo(newestKnown, lost);
-    const auto [newest, capacity] = session->numbers();
-    session->keepCapacity(newest, capacity);
+    const Numbers now = session->numbers();
+    session->keepCapacity(now.newest, now.capacity);
     transaction.commit();
     tellOf(added, lost);
 }
@@ -366,7 +395,12 @@ void SqliteDatabase::followTo(Whose whose) {
 /// Makes a change in one transaction; where there is no space for it, again and again with more room.
 /// @param bytes of what is added
 void SqliteDatabase::commit(Whose whose, std::size_t bytes, const Change& change) {
+    std::optional<LogbookId> meant;
     guarded(Access::Writing, [&] {
+        if (whose == Whose::OfThisLogbook && meant.value_or(session->id) != session->id) {
+            return;
+        }
+        meant = session->id;
         Room room{false, 2 * (1 + bytes / LogbookFile::growthBytes), 0};
         while (true) {
             try {
@@ -379,18 +413,19 @@ void SqliteDatabase::commit(Whose whose, std::size_t bytes, const Change& change
                 session->giveWay(room.records, numbers.newest);
                 change(numbers);
                 transaction.commit();
-                if (room.records > 0) {
-                    tellOfFullDisk();
-                }
-                followTo(whose);
-                return;
             } catch (const SqliteError& exception) {
                 const bool isFull = failureOf(exception) == Failure::Full;
                 if (!isFull || room.records > session->stored()) {
                     throw;
                 }
                 makeMore(room);
+                continue;
             }
+            if (room.records > 0) {
+                tellOfFullDisk();
+            }
+            followTo(whose);
+            return;
         }
         leave(false);
         throw HasMoved();
@@ -485,7 +520,9 @@ std::int64_t SqliteDatabase::resize(std::uint32_t capacity) {
     std::int64_t dropped = 0;
     commit(Whose::OfThisLogbook, 0, [&](const Numbers& numbers) {
         const std::int64_t before = session->stored();
-        writeHead(session->connection, {session->id, capacity, headOf(session->connection).cleared});
+        const bool isEmpty = before == 0;  // maybe to make room
+        const std::int64_t cleared = isEmpty ? numbers.newest : headOf(session->connection).cleared;
+        writeHead(session->connection, {session->id, capacity, cleared});
         session->keepCapacity(numbers.newest, capacity);
         dropped = before - session->stored();
     });

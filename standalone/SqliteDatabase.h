@@ -46,9 +46,10 @@ public:
 private:
     struct Session;
 
-    /// The newest number given out, and the capacity.
     struct Numbers {
-        std::int64_t newest;
+        std::int64_t oldest;        ///< from which on nothing was cleared or dropped
+        std::int64_t newestRecord;  ///< up to which was cleared, when there is none
+        std::int64_t newest;        ///< that was given out, to a record or lost
         std::int64_t capacity;
     };
 
@@ -79,7 +80,9 @@ private:
     void open(Access access);
     void openForReading();
     void settle(LogFindings& log);
-    void putBack(LogFindings& log);
+    void takeOver(LogFindings& log);
+    void putBackWhatFits(std::int64_t newestKnown);
+    void putBack(std::int64_t newestKnown);
     void tellOf(const std::vector<LostRange>& added, const std::vector<LostRange>& lost) const;
     void tellOfFullDisk();
 

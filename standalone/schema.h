@@ -61,8 +61,11 @@ inline std::string selectRecords(const char* condition, const char* furtherColum
 /// The condition for a page, newest first: numbers to skip, most records.
 inline constexpr const char* onPage = "number <= (SELECT max(number) FROM record) - ? ORDER BY number DESC LIMIT ?";
 
-/// The newest number given out, null when none was since the last clear, that up to which was cleared, the capacity.
-inline constexpr const char* selectNewest = "SELECT (SELECT max(number) FROM record), cleared, capacity FROM logbook";
+/// The oldest and the newest record, null when there is none, up to which number was cleared, the capacity, the newest
+/// lost range.
+inline constexpr const char* selectBounds =
+    "SELECT (SELECT min(number) FROM record), (SELECT max(number) FROM record), cleared, capacity, "
+    "(SELECT max(first) FROM lost) FROM logbook";
 
 inline constexpr const char* insertRecord =
     "INSERT INTO record (number, seconds, nanoseconds, time, json, checksum) VALUES (?, ?, ?, ?, ?, ?)";
@@ -70,7 +73,5 @@ inline constexpr const char* insertRecord =
 inline constexpr const char* deleteOldest = "DELETE FROM record WHERE number <= ?";
 
 inline constexpr const char* deleteAll = "DELETE FROM record";
-
-inline constexpr const char* selectEnds = "SELECT (SELECT min(number) FROM record), (SELECT max(number) FROM record)";
 
 }  // namespace standalone::schema
