@@ -3,6 +3,7 @@
 #include "Hurry.h"
 #include "SqliteLogbook.h"
 #include "calls.h"
+#include "child.h"
 
 #include <standalone/LogbookReader.h>
 
@@ -12,6 +13,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,7 +27,7 @@ using standalone::Failure;
 using standalone::LogbookReader;
 using testing::Contains;
 using testing::Each;
-using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::Pair;
 using testing::StartsWith;
 
@@ -63,6 +65,23 @@ TEST_F(LogbookFailure, IsBusyWhileAnotherReadsAFileWithoutALog) {
         EXPECT_EQ(refusal(), (Refusal{Failure::Busy, file.string() + ": database is locked"}));
     }
     EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(LogbookFailure, IsForeignWhereItsFolderIsNone) {
+    open();
+    EXPECT_EQ(refusalOf([this] { standalone::SqliteDatabaseFactory(file / "folder").create("lgbTest", 0, 0); }),
+              (Refusal{Failure::Foreign, (file / "folder").string() + ": can't make the folder: Not a directory"}));
+}
+
+TEST_F(LogbookFailure, IsOfMemoryWhenNoMoreFilesMayBeOpened) {
+    open();
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit none{3, usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto refused = refusal();
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+    EXPECT_EQ(refused, (Refusal{Failure::Memory, file.string() + "-lock: Too many open files"}));
 }
 
 TEST_F(LogbookFailure, IsForeignWhenItIsOfASchemaThatNeverWas) {
@@ -282,12 +301,67 @@ TEST_F(LogbookOnItsOwnMedium, IsNotMadeWhereNothingCanBeWritten) {
     EXPECT_EQ(refusal()->first, Failure::ReadOnly);
 }
 
-TEST_F(LogbookOnItsOwnMedium, IsRefusedOnAFullDiskThatHasNoRoomForIt) {
-    support::write(folder / "filler", std::string(std::size_t{4} * 1024 * 1024, 'x'));
+/// A medium that can be filled to its last byte.
+class LogbookOnAFullDisk : public LogbookOnItsOwnMedium {
+protected:
+    void fill() const { support::write(filler, std::string(std::size_t{4} * 1024 * 1024, 'x')); }
+
+    void free() const { std::filesystem::remove(filler); }
+
+    /// As a writer leaves it that is killed.
+    void addAndBeKilled(int first, int last) const {
+        const pid_t writer = support::startChild([&] {
+            addNumbers(*open().release(), first, last);
+            _exit(0);
+        });
+        EXPECT_EQ(support::endOf(writer), 0);
+    }
+
+    const std::filesystem::path filler = folder / "filler";
+};
+
+TEST_F(LogbookOnAFullDisk, IsRefusedWhenThereIsNoRoomForANewOne) {
+    fill();
     EXPECT_EQ(refusal()->first, Failure::Full);
-    std::filesystem::remove(folder / "filler");
+    free();
     add(*open(), "a");
     EXPECT_EQ(stored(), Texts{"a"});
+}
+
+TEST_F(LogbookOnAFullDisk, IsOpenedThoughItsIndexWasCutShort) {
+    addAndBeKilled(1, 3);
+    std::filesystem::resize_file(index, 3);
+    fill();
+    EXPECT_EQ(refusal(), std::nullopt);
+    EXPECT_EQ(stored(), countingDown(3, 1));
+}
+
+TEST_F(LogbookOnAFullDisk, LeavesWhatIsDamagedOutWhereThereIsNoRoomForHealing) {
+    for (const char* const text : {"the first", "the second", "the third"}) {
+        add(*open(), text);
+    }
+    spoil("the second");
+    fill();
+    EXPECT_THAT(toldBy([this] {
+                    EXPECT_EQ(stored(), (Texts{"the third", "the first"}));
+                }),
+                HasSubstr("; the logbook can't be healed, and what is damaged is left out\n"));
+    free();
+    EXPECT_THAT(toldBy([this] {
+                    EXPECT_EQ(stored(), (Texts{"the third", "the first"}));
+                }),
+                HasSubstr("; healed with 2 records"));
+}
+
+TEST_F(LogbookOnAFullDisk, IsNotMadeAnewAtTheCostOfALogThatWasLeft) {
+    addAndBeKilled(1, 3);
+    const std::string left = support::contentOf(log);
+    for (const auto& each : {file, index, folder / "lgbTest.db-lock"}) {
+        std::filesystem::remove(each);
+    }
+    fill();
+    EXPECT_EQ(refusal()->first, Failure::Full);
+    EXPECT_TRUE(support::contentOf(log) == left);
 }
 
 }  // namespace

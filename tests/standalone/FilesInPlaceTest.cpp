@@ -3,6 +3,7 @@
 #include "Hurry.h"
 #include "Meanwhile.h"
 #include "SqliteLogbook.h"
+#include "child.h"
 
 #include <standalone/LogbookReader.h>
 
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 
 namespace {
@@ -209,6 +211,105 @@ TEST_F(LogbookInUse, IsReadAgainWhenItIsReplacedMeanwhile) {
     std::filesystem::remove(index);
     const Meanwhile reading(FileCall::Read, 1, [&] { std::filesystem::rename(whole, file); });
     EXPECT_GT(LogbookReader(file).count(), 0);
+}
+
+/// Does something when it is told to: a process that has none of our files open.
+class AnotherProcess {
+public:
+    explicit AnotherProcess(const std::function<void()>& work) {
+        EXPECT_EQ(pipe(ends.data()), 0);
+        child = support::startChild([&] {
+            char told = 0;
+            if (read(ends[0], &told, 1) == 1) {
+                work();
+            }
+        });
+    }
+
+    AnotherProcess(const AnotherProcess&) = delete;
+    AnotherProcess& operator=(const AnotherProcess&) = delete;
+
+    ~AnotherProcess() {
+        close(ends[0]);
+        close(ends[1]);
+    }
+
+    /// Waits until it is done.
+    void act() const {
+        EXPECT_EQ(write(ends[1], "!", 1), 1);
+        EXPECT_EQ(support::endOf(child), 0);
+    }
+
+private:
+    std::array<int, 2> ends{};
+    pid_t child = 0;
+};
+
+/// Another process deletes the index of a logbook that is in use, and goes on in what is left.
+using LogbookOfTwoProcesses = SqliteLogbook;
+
+TEST_F(LogbookOfTwoProcesses, GetsNothingBackThatWasDroppedMeanwhile) {
+    const AnotherProcess other([this] {
+        std::filesystem::remove(index);
+        addNumbers(*open(5), 6, 8);
+    });
+    const auto database = open(5);
+    addNumbers(*database, 1, 5);
+    other.act();
+    add(*database, "9");
+    EXPECT_EQ(stored(), countingDown(9, 5));
+}
+
+TEST_F(LogbookOfTwoProcesses, GetsNothingBackThatWasClearedMeanwhile) {
+    const AnotherProcess other([this] {
+        std::filesystem::remove(index);
+        open()->clear();
+    });
+    const auto database = open();
+    addNumbers(*database, 1, 5);
+    other.act();
+    add(*database, "6");
+    EXPECT_EQ(stored(), Texts{"6"});
+}
+
+TEST_F(LogbookOfTwoProcesses, GetsARecordBackThatWasLostInHealing) {
+    const AnotherProcess other([this] {
+        std::filesystem::remove(index);
+        spoil("the second");
+        EXPECT_EQ(textsIn(*open()), (Texts{"the third", "the first"}));
+    });
+    const auto database = open();
+    for (const char* const text : {"the first", "the second", "the third"}) {
+        add(*database, text);
+    }
+    other.act();
+    add(*database, "the fourth");
+    EXPECT_EQ(stored(), (Texts{"the fourth", "the second", "the third", "the first"}));
+}
+
+TEST_F(LogbookInUse, GivesOutNoNumberThatWasGivenUpMeanwhile) {
+    execute("INSERT INTO lost VALUES (11, 20, 0)");
+    EXPECT_EQ(database->count(), 10U);
+    add(*database, "21");
+    EXPECT_EQ(LogbookReader(file).after(10, 1)[0].number, 21);
+    EXPECT_EQ(toldBy([this] { textsIn(*open()); }), "");
+}
+
+TEST_F(LogbookInUse, IsFullWhenAllNumbersAreGivenOut) {
+    execute("INSERT INTO lost VALUES (11, " + std::to_string((std::int64_t{1} << 62) - 1) + ", 0)");
+    EXPECT_EQ(refusalOf([this] { add(*database, "11"); }),
+              (Refusal{Failure::Full, file.string() + ": all numbers are given out"}));
+    EXPECT_EQ(stored(), countingDown(10, 1));
+}
+
+TEST_F(LogbookInUse, IsTheSameByALinkToItsFolder) {
+    const support::TemporaryFolder elsewhere;
+    std::filesystem::create_directory_symlink(folder.path(), elsewhere / "link");
+    const standalone::SqliteDatabaseFactory byLink(elsewhere / "link");
+    add(*byLink.create("lgbTest", 0, 0), "11");
+    add(*database, "12");
+    EXPECT_EQ(LogbookReader(elsewhere / "link/lgbTest.db").count(), 12);
+    EXPECT_EQ(stored(), countingDown(12, 1));
 }
 
 /// It is closed when something happens to its files.

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -78,6 +79,18 @@ protected:
 
     /// Changes the file behind the logbook's back.
     void execute(const std::string& sql) const { support::execute(file, sql); }
+
+    /// Turns a bit of a text wherever it stands, in the file and in the log.
+    void spoil(const std::string& text) const {
+        for (const std::filesystem::path& damaged : {file, log}) {
+            const std::string content = support::contentOf(damaged);
+            std::fstream stream(damaged, std::ios::in | std::ios::out | std::ios::binary);
+            for (std::size_t at = content.find(text); at != std::string::npos; at = content.find(text, at + 1)) {
+                stream.seekp(static_cast<std::streamoff>(at));
+                stream.put(static_cast<char>(content[at] ^ 1));
+            }
+        }
+    }
 
     static constexpr std::uintmax_t logSize = 128 * std::uintmax_t{1024};
 
