@@ -27,6 +27,7 @@ int KeptLog::cut(sqlite3_file* log, sqlite3_int64) {
     }
     sqlite3_int64 bytes = 0;
     if (outcome == SQLITE_OK && own.itself->xFileSize(log, &bytes) == SQLITE_OK && bytes > logBytes) {
+        // Not synced: behind the mark, which is, a log is read as empty, however long it is.
         own.itself->xTruncate(log, logBytes);
     }
     return outcome;
