@@ -30,7 +30,7 @@ Connection connect(const LogbookFiles& files) {
     try {
         return Connection(pathForSqlite(files.database), SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW);
     } catch (const SqliteError& exception) {
-        if (access(files.database.c_str(), R_OK | W_OK) != 0) {
+        if (eaccess(files.database.c_str(), R_OK | W_OK) != 0) {
             refuse(files.database, errno);
         }
         refuse(files.database, exception);
@@ -105,7 +105,7 @@ void LogbookFile::begin() {
     requireNotEmpty(openedState(files.database));
     configure();
     if (sqlite3_db_readonly(connection.handle(), "main") == 1) {  // as SQLite opens what it can't open for writing
-        if (access(files.database.c_str(), W_OK) != 0) {
+        if (eaccess(files.database.c_str(), W_OK) != 0) {
             refuse(files.database, errno);
         }
         throw Fault{Failure::ReadOnly, "can't be opened for writing"};
@@ -278,7 +278,7 @@ LogFindings findingsIn(const LogbookFiles& files) {
         return {};
     }
     std::optional<WriteLock> nobodyWrites;  // or what is found changes while it is read
-    if (stateOf(files.index) && access(files.database.c_str(), W_OK) == 0 && !isEmptied(files.log)) {
+    if (stateOf(files.index) && eaccess(files.database.c_str(), W_OK) == 0 && !isEmptied(files.log)) {
         nobodyWrites.emplace(files.database);
     }
     LogFindings found = lookThroughLog(files.database, files.log);

@@ -145,7 +145,7 @@ void syncFolder(const std::string& folder) {
 void syncFolders(const std::string& folder) {
     syncFolder(folder);
     const std::string parent = folderOf(folder);
-    if (parent != folder && access(parent.c_str(), R_OK) == 0) {
+    if (parent != folder && eaccess(parent.c_str(), R_OK) == 0) {
         syncFolders(parent);
     }
 }

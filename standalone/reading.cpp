@@ -83,7 +83,7 @@ Connection ReadingConnection::connect() const {
         return Connection(uriOf(pathForSqlite(files.database)) + (isInUse ? "?readonly_shm=1" : "?immutable=1"),
                           SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOFOLLOW);
     } catch (const SqliteError& exception) {
-        if (access(files.database.c_str(), R_OK) != 0) {
+        if (eaccess(files.database.c_str(), R_OK) != 0) {
             refuse(files.database, errno);
         }
         refuse(files.database, exception);

@@ -3,14 +3,18 @@
 #include "commands.h"
 #include "help.h"
 #include "logbooks.h"
+#include "rights.h"
 #include "terminal.h"
 #include "wrongUse.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -72,6 +76,12 @@ void declare(CLI::App& app, Selection& selection) {
     setLogLevel(app);
 }
 
+/// All but these read or write the logbooks of the folder.
+bool usesFolder(const CLI::App& app) {
+    constexpr std::array others = {"salvage", "messages", "explain", "completion", "man", "help"};
+    return std::none_of(others.begin(), others.end(), [&](const char* name) { return app.got_subcommand(name); });
+}
+
 void parse(CLI::App& app, int argc, const char* const* argv) {
     try {
         app.parse(argc, argv);
@@ -90,6 +100,12 @@ int run(int argc, const char* const* argv) {
     CLI::App app("Records and shows the logbooks of a device", "tqzel-logbook");
     Selection selection;
     declare(app, selection);
+    std::optional<OwnersRights> rights;
+    app.parse_complete_callback([&] {
+        if (usesFolder(app)) {
+            selection.folder = rights.emplace(folderOf(selection)).folder();
+        }
+    });
     try {
         parse(app, argc, argv);
         return 0;

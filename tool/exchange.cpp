@@ -3,6 +3,7 @@
 #include "logbooks.h"
 #include "output.h"
 #include "progress.h"
+#include "rights.h"
 #include "words.h"
 
 #include <standalone/LogbookReader.h>
@@ -120,11 +121,8 @@ void exportFile(const Selection& selection, const std::string& file) {
     }
 }
 
-void importFile(const Selection& selection, const std::string& file) {
-    if (file == "-") {
-        importFrom(std::cin, "standard input", selection);
-        return;
-    }
+std::ifstream openedByCaller(const std::string& file) {
+    const CallersRights callers;
     if (std::filesystem::is_directory(file)) {
         throw std::runtime_error(file + ": is a folder, not a file of entries");
     }
@@ -132,6 +130,15 @@ void importFile(const Selection& selection, const std::string& file) {
     if (!stream) {
         throw std::runtime_error(file + ": can't be read: " + std::generic_category().message(errno));
     }
+    return stream;
+}
+
+void importFile(const Selection& selection, const std::string& file) {
+    if (file == "-") {
+        importFrom(std::cin, "standard input", selection);
+        return;
+    }
+    std::ifstream stream = openedByCaller(file);
     importFrom(stream, file, selection);
 }
 

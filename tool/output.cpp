@@ -1,11 +1,15 @@
 #include "output.h"
 
+#include "rights.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
-#include <iterator>
+#include <string_view>
 #include <system_error>
 
 namespace tool {
@@ -26,18 +30,45 @@ bool areSame(const fs::path& one, const fs::path& other) {
     return fs::equivalent(one, other, none) || resolved(one) == resolved(other);
 }
 
-/// Whether a file is a logbook, or one of those that SQLite keeps beside it.
-bool belongsTo(const fs::path& logbook, const std::string& file) {
-    const char* const ends[] = {"", "-wal", "-shm", "-journal"};
-    return std::any_of(std::begin(ends), std::end(ends),
+// What stands behind the name of a logbook's own files.
+constexpr std::array ends = {"", "-wal", "-shm", "-journal", "-lock", "-making", "-healed"};
+
+bool belongsTo(const fs::path& logbook, const fs::path& file) {
+    return std::any_of(ends.begin(), ends.end(),
                        [&](const char* end) { return areSame(logbook.string() + end, file); });
 }
 
+/// By what it begins with: SQLite's name, and ours where its format has room for one.
+bool isLogbook(const fs::path& file) {
+    constexpr std::string_view format("SQLite format 3\0", 16);
+    constexpr std::string_view application = "TqZL";
+    constexpr std::size_t applicationAt = 68;
+    std::error_code none;
+    std::array<char, applicationAt + application.size()> begin{};
+    if (!fs::is_regular_file(file, none) || !std::ifstream(file, std::ios::binary).read(begin.data(), begin.size())) {
+        return false;
+    }
+    const std::string_view bytes(begin.data(), begin.size());
+    return bytes.substr(0, format.size()) == format && bytes.substr(applicationAt) == application;
+}
+
+/// Whether it is one of any logbook's files, wherever that is.
+bool isOfSomeLogbook(const std::string& file) {
+    return std::any_of(ends.begin(), ends.end(), [&](const std::string& end) {
+        const std::size_t length = file.size() - std::min(file.size(), end.size());
+        return file.compare(length, std::string::npos, end) == 0 && isLogbook(file.substr(0, length));
+    });
+}
+
 void refuseLogbook(const Selection& selection, const std::string& file) {
+    const CallersRights callers;
     for (const std::string& name : logbookNames) {
         if (belongsTo(fileOf({selection.folder, name}), file)) {
             throw CLI::ValidationError("--output", fmt::format("{} is the {} logbook itself", file, name));
         }
+    }
+    if (isOfSomeLogbook(resolved(file))) {
+        throw CLI::ValidationError("--output", file + " is a logbook, or one of its files");
     }
 }
 

@@ -2,6 +2,7 @@
 #include "exportLine.h"
 #include "output.h"
 #include "progress.h"
+#include "rights.h"
 #include "terminal.h"
 #include "words.h"
 
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -54,10 +56,14 @@ void tell(const standalone::Salvage& found, const Search& search) {
 }
 
 void salvage(const Selection& selection, const Search& search) {
+    const std::filesystem::path file = search.file;
+    const OwnersRights rights(file.has_parent_path() ? file.parent_path() : std::filesystem::current_path(),
+                              OwnersRights::Use::OfOneFileToRead);
     const std::unique_ptr<standalone::Salvage> found = [&] {
         Progress progress(0);
         return std::make_unique<standalone::Salvage>(
-            search.file, [&](std::int64_t done, std::int64_t all) { progress.advanceTo(done, all); });
+            file.has_parent_path() ? rights.folder() / file.filename() : file,
+            [&](std::int64_t done, std::int64_t all) { progress.advanceTo(done, all); });
     }();
     writeOutput(selection, search.output, [&](std::ostream& stream) {
         for (const std::int64_t number : wantedOf(*found, search.all)) {

@@ -1,15 +1,26 @@
 #include "writeFile.h"
 
+#include "rights.h"
+
+#include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
+#include <ext/stdio_filebuf.h>
 #include <filesystem>
-#include <fstream>
+#include <optional>
+#include <random>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 namespace tool {
 
@@ -17,50 +28,128 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void refuseToWrite(const std::string& file) {
-    const int reason = errno;
-    throw std::runtime_error(file + ": can't be written" +
-                             (reason == 0 ? "" : ": " + std::generic_category().message(reason)));
-}
+using FileState = struct stat;
 
-/// @param shown how the file is called
-void writeTo(const std::string& file, std::ios::openmode mode, const std::string& shown, const Writer& write) {
-    errno = 0;
-    std::ofstream stream(file, mode | std::ios::binary);
-    if (stream) {
-        write(stream);
-        stream.close();
-    }
-    if (!stream) {
-        refuseToWrite(shown);
-    }
-}
+/// Why a file can't be written.
+struct Reason {
+    int error;
+};
 
-/// Whether a name leads to what a program has open.
-bool isOpenElsewhere(fs::path file) {
-    while (fs::is_symlink(file)) {
-        const fs::path place = fs::canonical(file.parent_path());
-        if (place.string().rfind("/proc/", 0) == 0) {
-            return true;
+class Descriptor {
+public:
+    explicit Descriptor(int opened) : number(opened) {
+        if (number < 0) {
+            throw Reason{errno};
         }
-        file = place / fs::read_symlink(file);
     }
-    return false;
+
+    Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
+
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor& operator=(Descriptor&&) = delete;
+
+    ~Descriptor() {
+        if (number >= 0) {
+            close(number);
+        }
+    }
+
+    operator int() const { return number; }  // NOLINT(google-explicit-constructor): it is one
+
+private:
+    int number;
+};
+
+void require(bool succeeds) {
+    if (!succeeds) {
+        throw Reason{errno};
+    }
 }
 
-bool canBeReplaced(const fs::path& file) {
-    std::error_code none;
-    return fs::is_regular_file(file, none) ? !isOpenElsewhere(fs::absolute(file))
-                                           : !fs::exists(fs::symlink_status(file, none));
+/// Where a file is, or is to be: a folder that is open, so that nobody puts another in its place, and a name in it.
+struct Place {
+    Descriptor folder;
+    std::string name;
+    std::optional<FileState> found;
+};
+
+Place placeIn(const fs::path& file) {
+    const fs::path folder = file.has_parent_path() ? file.parent_path() : ".";
+    Place place{Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)),
+                file.has_filename() ? file.filename() : ".", std::nullopt};
+    FileState found{};
+    if (fstatat(place.folder, place.name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0) {
+        place.found = found;
+    } else {
+        require(errno == ENOENT);
+    }
+    return place;
 }
 
-/// Those of the file that is there, else the usual ones.
-mode_t permissionsOf(const fs::path& file) {
-    struct stat found {};
+/// Whether its links lead to what a program has open.
+bool isOfProcesses(const Descriptor& folder) {
+    struct statfs system {};
 
-    if (stat(file.c_str(), &found) == 0) {
-        return found.st_mode & 07777U;
+    return fstatfs(folder, &system) == 0 && system.f_type == PROC_SUPER_MAGIC;
+}
+
+std::string targetOf(const Place& link) {
+    std::array<char, PATH_MAX> target{};
+    const ssize_t length = readlinkat(link.folder, link.name.c_str(), target.data(), target.size());
+    require(length >= 0);
+    return {target.data(), static_cast<std::size_t>(length)};
+}
+
+/// Follows links, but none that somebody else may have prepared.
+Place placeOf(fs::path file) {
+    constexpr int mostLinks = 40;
+    for (int links = 0; links < mostLinks; ++links) {
+        Place place = placeIn(file);
+        if (!place.found || !S_ISLNK(place.found->st_mode) || isOfProcesses(place.folder)) {
+            return place;
+        }
+        if (place.found->st_uid != 0 && place.found->st_uid != geteuid()) {
+            throw std::runtime_error(file.string() + ": can't be written: it is somebody else's link");
+        }
+        file = file.parent_path() / targetOf(place);
     }
+    throw Reason{ELOOP};
+}
+
+/// Not by its name, which may stand for another file by now.
+void writeThrough(int descriptor, const Writer& write) {
+    const int own = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    require(own >= 0);
+    __gnu_cxx::stdio_filebuf<char> buffer(own, std::ios::out | std::ios::binary);  // which closes it
+    std::ostream stream(&buffer);
+    errno = 0;
+    write(stream);
+    require(stream.flush() && buffer.close() != nullptr);
+}
+
+// What is in the making, for a signal that ends the program.
+volatile std::sig_atomic_t folderOfPart = -1;
+const char* volatile nameOfPart = nullptr;
+
+void removePart(int signal) {
+    if (nameOfPart != nullptr && seteuid(getuid()) == 0) {
+        unlinkat(folderOfPart, nameOfPart, 0);
+    }
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void onEnd(void (*handle)(int signal)) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const auto before = std::signal(signal, handle);
+        if (before == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+}
+
+mode_t ofNewFile() {
     const mode_t masked = umask(0);
     umask(masked);
     return 0666U & ~masked;
@@ -69,52 +158,92 @@ mode_t permissionsOf(const fs::path& file) {
 /// A file beside the one that it is to replace, with a name that nobody else has.
 class Part {
 public:
-    explicit Part(const fs::path& replaced)
-        : target(replaced), file(replaced.string() + ".XXXXXX"), descriptor(mkstemp(file.data())) {}
+    explicit Part(const Place& replaced) : place(replaced), name(newName()), file(made()) {
+        folderOfPart = place.folder;
+        nameOfPart = name.c_str();
+        onEnd(removePart);
+    }
 
     Part(const Part&) = delete;
     Part& operator=(const Part&) = delete;
 
     ~Part() {
-        if (descriptor >= 0) {
-            close(descriptor);
-            std::remove(file.c_str());  // nothing, once it has replaced the other
-        }
+        onEnd(SIG_DFL);
+        nameOfPart = nullptr;
+        const CallersRights callers;
+        unlinkat(place.folder, name.c_str(), 0);  // nothing, once it has replaced the other
     }
 
-    bool isMade() const { return descriptor >= 0; }
+    int descriptor() const { return file; }
 
-    const std::string& name() const { return file; }
-
-    bool replaceTarget() const {
-        static_cast<void>(fchmod(descriptor, permissionsOf(target)));  // a medium without permissions does, too
-        return fsync(descriptor) == 0 && std::rename(file.c_str(), target.c_str()) == 0;
+    void replaceOther() const {
+        // A medium without permissions does, too.
+        static_cast<void>(fchmod(file, permissions()));
+        require(fsync(file) == 0 && renameat(place.folder, name.c_str(), place.folder, place.name.c_str()) == 0);
     }
 
 private:
-    fs::path target;
-    std::string file;
-    int descriptor;
+    std::string newName() const {
+        constexpr std::uint32_t names = 1000000;
+        return place.name + '.' + std::to_string(std::random_device()() % names);
+    }
+
+    Descriptor made() {
+        constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        int opened = openat(place.folder, name.c_str(), flags, 0600);
+        for (int tries = 1; opened < 0 && errno == EEXIST && tries < 100; ++tries) {
+            name = newName();
+            opened = openat(place.folder, name.c_str(), flags, 0600);
+        }
+        return Descriptor(opened);
+    }
+
+    /// Those of the older file, with its owner; where it can't have that one, no more than a new file has.
+    mode_t permissions() const {
+        if (!place.found) {
+            return ofNewFile();
+        }
+        const bool isOwners = fchown(file, place.found->st_uid, place.found->st_gid) == 0;
+        return place.found->st_mode & (isOwners ? 0777U : ofNewFile());
+    }
+
+    const Place& place;
+    std::string name;
+    Descriptor file;
 };
 
-void replace(const fs::path& target, const std::string& shown, const Writer& write) {
-    const Part part(target);
-    if (!part.isMade()) {
-        refuseToWrite(shown);
-    }
-    writeTo(part.name(), std::ios::trunc, shown, write);
-    if (!part.replaceTarget()) {
-        refuseToWrite(shown);
-    }
+void replace(const Place& place, const Writer& write) {
+    std::optional<CallersRights> callers(std::in_place);
+    const Part part(place);
+    callers.reset();
+    writeThrough(part.descriptor(), write);
+    callers.emplace();
+    part.replaceOther();
+}
+
+/// Behind what a shell has collected in it.
+void append(const Place& place, const Writer& write) {
+    std::optional<CallersRights> callers(std::in_place);
+    const Descriptor file(openat(place.folder, place.name.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC));
+    callers.reset();
+    writeThrough(file, write);
+}
+
+Place placeForCaller(const std::string& file) {
+    const CallersRights callers;
+    return placeOf(file);
 }
 
 }  // namespace
 
 void writeFile(const std::string& file, const Writer& write) {
-    if (canBeReplaced(file)) {
-        replace(fs::exists(file) ? fs::canonical(file) : fs::path(file), file, write);
-    } else {
-        writeTo(file, std::ios::app, file, write);  // behind what a shell has collected in it
+    try {
+        const Place place = placeForCaller(file);
+        const bool canBeReplaced = !place.found || S_ISREG(place.found->st_mode);
+        (canBeReplaced ? replace : append)(place, write);
+    } catch (const Reason& reason) {
+        throw std::runtime_error(file + ": can't be written" +
+                                 (reason.error == 0 ? "" : ": " + std::generic_category().message(reason.error)));
     }
 }
 

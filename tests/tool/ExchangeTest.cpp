@@ -184,7 +184,22 @@ TEST_F(Exchange, SpoilsNeitherTheLogbookNorAnOlderExport) {
               2),
         "tqzel-logbook: --output: lgbService.db is the service logbook itself\n");
     EXPECT_TRUE(files() == before);
+}
 
+TEST_F(Exchange, SpoilsNoLogbookOfAnotherFolder) {
+    storeEvening();
+    standalone::SqliteDatabaseFactory(elsewhere.path()).addAll("lgbCustomer", 0, {});
+    const auto before = support::filesOf(elsewhere.path());
+    const std::string file = elsewhere / "lgbCustomer.db";
+    for (const std::string& output : {file, file + "-wal", file + "-lock", file + "-healed"}) {
+        EXPECT_EQ(wrongUse("export customer --output " + output),
+                  "tqzel-logbook: --output: " + output + " is a logbook, or one of its files\n");
+    }
+    EXPECT_TRUE(support::filesOf(elsewhere.path()) == before);
+}
+
+TEST_F(Exchange, LeavesAnOlderExportWhenThereIsNothingToExport) {
+    storeEvening();
     support::write(elsewhere / "lines", line);
     EXPECT_EQ(failure("export service --output " + (elsewhere / "lines").string()),
               "tqzel-logbook: " + (folder / "lgbService.db").string() + ": there is no such logbook\n");

@@ -1,11 +1,13 @@
 #include "TemporaryFolder.h"
 #include "calls.h"
+#include "child.h"
 #include "writeFile.h"
 
 #include <sys/stat.h>
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -68,6 +70,26 @@ TEST_F(WriteFile, LeavesTheOlderFileAndNothingElseWhenItFails) {
     EXPECT_THROW(tool::writeFile(file, fail), std::runtime_error);
     EXPECT_EQ(support::contentOf(file), "old");
     EXPECT_THAT(names(), UnorderedElementsAre("lines"));
+}
+
+TEST_F(WriteFile, LeavesTheOlderFileAndNothingElseWhenItIsInterrupted) {
+    support::write(file, "old");
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const pid_t writer = support::startChild([&] {
+            tool::writeFile(file, [&](std::ostream& stream) { stream << "new" << std::flush, raise(signal); });
+        });
+        const int status = support::endOf(writer);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+        EXPECT_EQ(support::contentOf(file), "old");
+        EXPECT_THAT(names(), UnorderedElementsAre("lines"));
+    }
+}
+
+TEST_F(WriteFile, GivesNoRightsToRunTheFileAsItsOwner) {
+    support::write(file, "old");
+    EXPECT_EQ(chmod(file.c_str(), 06755), 0);
+    write("new");
+    EXPECT_EQ(permissionsOf(file), fs::perms(0755));
 }
 
 TEST_F(WriteFile, TouchesNoOtherFile) {
