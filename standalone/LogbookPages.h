@@ -2,10 +2,12 @@
 
 #include "Connection.h"
 #include "LogbookFiles.h"
+#include "LogbookHead.h"
 #include "WriteAheadLog.h"
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -74,8 +76,10 @@ public:
 
     std::size_t pageBytes() const { return size; }
 
-    /// Longer than anything in these files can be.
     std::size_t allBytes() const { return bytes; }
+
+    /// No row can be longer.
+    std::size_t mostPayload() const { return std::min(bytes, mostRowBytes); }
 
     /// Whether a page of that number may be somewhere.
     bool mayHold(std::uint32_t page) const { return page > 0 && (page <= bytes / size || isInLog(page)); }

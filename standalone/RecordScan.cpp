@@ -128,7 +128,7 @@ void RecordScan::lookThrough(const PageImage& image) {
     const std::string page = pages.bytesOf(image);
     for (std::size_t at = 0; at + shortest < page.size(); ++at) {
         if (page[at] != 0) {
-            if (const auto cell = cells::cellAt(page, at, pages.allBytes())) {
+            if (const auto cell = cells::cellAt(page, at, pages.mostPayload())) {
                 lookForRecord(page, at, *cell, image);
                 lookForRow(page, *cell, image);
             }
@@ -224,7 +224,7 @@ void RecordScan::keep(std::uint32_t signature) {
             continue;
         }
         const std::string page = pages.bytesOf(candidate.image);
-        if (const auto cell = cells::cellAt(page, candidate.at, pages.allBytes())) {
+        if (const auto cell = cells::cellAt(page, candidate.at, pages.mostPayload())) {
             whole.push_back(candidate);
             places.emplace(candidate.image, candidate.at);
             payloadOf(pages, page, *cell, candidate.image, candidate.chain,
@@ -299,7 +299,7 @@ std::optional<FoundRecord> RecordScan::record(std::int64_t number) const {
 
 std::optional<FoundRecord> RecordScan::read(const Candidate& candidate) const {
     const std::string page = pages.bytesOf(candidate.image);
-    const auto cell = cells::cellAt(page, candidate.at, pages.allBytes());
+    const auto cell = cells::cellAt(page, candidate.at, pages.mostPayload());
     const auto payload =
         cell ? payloadOf(pages, page, *cell, candidate.image, candidate.chain, tellNobody) : std::nullopt;
     const auto stored = payload ? recordIn(*payload, cell->rowId) : std::nullopt;
@@ -328,7 +328,7 @@ bool RecordScan::knowsLost() const {
         return false;
     }
     for (std::size_t i = 0; i < count; ++i) {
-        const auto cell = cells::cellAt(page, cells::shortAt(page, 8 + 2 * i), pages.allBytes());
+        const auto cell = cells::cellAt(page, cells::shortAt(page, 8 + 2 * i), pages.mostPayload());
         const auto isOfCell = [&](const LostRange& range) { return cell && range.first == cell->rowId; };
         if (std::none_of(ranges.begin(), ranges.end(), isOfCell)) {
             return false;
@@ -380,8 +380,8 @@ std::optional<RecordScan::EdgeRow> RecordScan::edge(Edge which) const {
             }
             const std::size_t firstAt = cells::shortAt(page, 8);
             const std::size_t lastAt = cells::shortAt(page, 6 + 2 * count);
-            const auto first = cells::cellAt(page, firstAt, pages.allBytes());
-            const auto last = cells::cellAt(page, lastAt, pages.allBytes());
+            const auto first = cells::cellAt(page, firstAt, pages.mostPayload());
+            const auto last = cells::cellAt(page, lastAt, pages.mostPayload());
             if (!first || !last || static_cast<std::uint64_t>(last->rowId) > bound) {
                 return std::nullopt;
             }

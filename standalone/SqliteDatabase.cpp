@@ -103,6 +103,11 @@ struct SqliteDatabase::Session {
         if (record.number >= highestNumber) {
             throw Fault{Failure::Full, "all numbers are given out"};
         }
+        const std::size_t bytes = record.time.size() + record.json.size();
+        if (bytes > mostRecordBytes) {
+            throw Fault{Failure::Full, "takes no entry of " + std::to_string(bytes) + " bytes, only of up to " +
+                                           std::to_string(mostRecordBytes)};
+        }
         standalone::insert(insertRecord, record, id);
     }
 

@@ -200,6 +200,7 @@ void distrust(Connection& connection) {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, static_cast<int>(mostRowBytes));
     connection.execute("PRAGMA cell_size_check = ON");
 }
 

@@ -6,6 +6,9 @@
 #include "validators.h"
 #include "words.h"
 
+#include <standalone/LogbookReader.h>
+#include <standalone/errors.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -178,24 +181,42 @@ bool isAnother(standalone::LogbookReader& reader, std::string& id) {
     return !known.empty() && known != id;
 }
 
-/// Shows the newest entries, then each that comes, until interrupted.
-[[noreturn]] void follow(const Selection& selection, Request request) {
-    request.oldestFirst = true;
-    request.look.goesOn = true;
-    std::unique_ptr<Listing> listing;
-    std::string id;
-    for (Watch watch(fileOf(selection));; std::this_thread::sleep_for(std::chrono::milliseconds(300))) {
-        if (!watch.hasChanged()) {
-            continue;
+/// Shows the newest entries, then each that comes.
+class Following {
+public:
+    Following(const Selection& wanted, Request asked) : selection(wanted), request(std::move(asked)) {
+        request.oldestFirst = true;
+        request.look.goesOn = true;
+    }
+
+    void showNew() {
+        try {
+            show();
+            trouble.clear();
+        } catch (const standalone::DatabaseError& error) {
+            if (!listing) {
+                throw;
+            }
+            if (std::exchange(trouble, error.what()) != error.what()) {  // another process may put it right
+                std::cerr << "tqzel-logbook: " << printable(error.what()) << "; waiting until it can be read\n";
+            }
         }
+    }
+
+    /// Whether what is there could not be read.
+    bool isInTrouble() const { return !trouble.empty(); }
+
+private:
+    void show() {
         if (listing && !std::filesystem::exists(fileOf(selection))) {
-            continue;  // deleted, until somebody makes it anew
+            return;  // deleted, until somebody makes it anew
         }
         standalone::LogbookReader reader(fileOf(selection));
+        const bool hasChanged = isAnother(reader, id);
         if (!listing) {
             listing = createListing(request.format, request.look);  // begins to write
         }
-        if (isAnother(reader, id)) {
+        if (hasChanged) {
             std::cerr << "tqzel-logbook: another logbook has taken its place, from its first entry on:\n";
             request.after.reset();
         }
@@ -207,6 +228,21 @@ bool isAnother(standalone::LogbookReader& reader, std::string& id) {
         tell(page.leftOut);
         request.after = std::max(page.newest, request.after.value_or(0));
         request.count = noLimit;
+    }
+
+    const Selection& selection;
+    Request request;
+    std::unique_ptr<Listing> listing;
+    std::string id;
+    std::string trouble;  // that was told
+};
+
+[[noreturn]] void follow(const Selection& selection, Request request) {
+    Following following(selection, std::move(request));
+    for (Watch watch(fileOf(selection));; std::this_thread::sleep_for(std::chrono::milliseconds(300))) {
+        if (watch.hasChanged() || following.isInTrouble()) {
+            following.showNew();
+        }
     }
 }
 
@@ -224,7 +260,7 @@ void show(const Selection& selection, Request request) {
     request.look.coloured = isColoured(request.colour);
     request.look.width = terminalWidth();
     if (request.follow) {
-        follow(selection, request);
+        follow(selection, std::move(request));
     }
     const Page page = showInPager(selection, request);
     tell(page);  // not into the page that the pager shows

@@ -67,6 +67,16 @@ TEST_F(LogbookFailure, IsBusyWhileAnotherReadsAFileWithoutALog) {
     EXPECT_EQ(stored(), Texts{"a"});
 }
 
+TEST_F(LogbookFailure, IsFullForAnEntryOfMoreThanAMebibyte) {
+    const auto database = open();
+    const std::string largest(std::size_t{1} << 20, 'x');
+    EXPECT_EQ(refusalOf([&] { add(*database, largest + "x"); }),
+              (Refusal{Failure::Full, file.string() + ": takes no entry of 1048577 bytes, only of up to 1048576"}));
+    EXPECT_EQ(database->count(), 0U);
+    add(*database, largest);
+    EXPECT_EQ(stored(), Texts{largest});
+}
+
 TEST_F(LogbookFailure, IsForeignWhereItsFolderIsNone) {
     open();
     EXPECT_EQ(refusalOf([this] { standalone::SqliteDatabaseFactory(file / "folder").create("lgbTest", 0, 0); }),

@@ -377,6 +377,16 @@ TEST_F(DamagedLogbook, IsNotHealedByReading) {
     EXPECT_TRUE(support::filesOf(folder.path()) == before);
 }
 
+TEST_F(DamagedLogbook, MakesNoMoreOfARecordThanOneCanBe) {
+    addTexts(*open(), 1, 3);
+    execute("UPDATE record SET json = printf('%.*c', 3000000, 'x') WHERE number = 2");
+    EXPECT_EQ(refusalOf([this] { LogbookReader(file).before(INT64_MAX, 10); }),
+              (Refusal{Failure::Damaged, file.string() + ": string or blob too big"}));
+    EXPECT_THAT(Salvage(file).numbers(), ElementsAre(1, 3));
+    open();
+    EXPECT_EQ(stored(), (Texts{text(3), text(1)}));
+}
+
 TEST_F(DamagedLogbook, IsHealedBesideFoldersWithTheNamesOfOlderSets) {
     addTexts(*open(), 1, 9);
     for (const int set : {1, 2, 3}) {

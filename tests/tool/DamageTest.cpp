@@ -164,4 +164,23 @@ TEST_F(Follow, GoesOnInALogbookThatHasTakenThePlaceOfADeletedOne) {
     EXPECT_EQ(follower.printed(expected.size()), expected);
 }
 
+TEST_F(Follow, WaitsWhileItsLogbookCanNotBeRead) {
+    addUnits(1, 2);
+    const Follower follower(command("show customer --follow"));
+    const std::string padding = "   ";
+    std::string expected =
+        "No.  Time                       Type     Description\n" + line(1, padding) + line(2, padding);
+    EXPECT_EQ(follower.printed(expected.size()), expected);
+    support::write(folder / "letter", std::string(5000, 'x'));
+    std::filesystem::rename(folder / "letter", customerFile());
+    std::filesystem::remove(customerFile().string() + "-wal");
+    expected +=
+        "tqzel-logbook: " + customerFile().string() + ": file is not a database; waiting until it can be read\n";
+    EXPECT_EQ(follower.printed(expected.size()), expected);
+    std::filesystem::remove(customerFile());
+    addUnits(1, 1);
+    expected += "tqzel-logbook: another logbook has taken its place, from its first entry on:\n" + line(1, padding);
+    EXPECT_EQ(follower.printed(expected.size()), expected);
+}
+
 }  // namespace
