@@ -186,11 +186,12 @@ bool LogbookFile::isInPlace() const noexcept {
 }
 
 void LogbookFile::limitToSpace() {
-    const auto state = stateOf(files.database);
-    if (!state || state->bytes == limitedTo) {
+    sqlite3_file* const file = connection.file();  // its name may stand for another by now
+    sqlite3_int64 bytes = 0;
+    if (file->pMethods->xFileSize(file, &bytes) != SQLITE_OK || bytes == limitedTo) {
         return;
     }
-    limitedTo = state->bytes;
+    limitedTo = bytes;
     int chunk = static_cast<int>(std::min<std::int64_t>(limitedTo, std::int64_t{1} << 30));
     sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_CHUNK_SIZE, &chunk);
     connection.execute("PRAGMA max_page_count = " + std::to_string(limitedTo / pageBytes));
@@ -250,8 +251,13 @@ void LogbookFile::growTo(const WantedCapacity& wanted) {
     takeSpaceFor(wanted.records);
 }
 
-void LogbookFile::makeRoomInLog() noexcept {
-    sqlite3_wal_checkpoint_v2(connection.handle(), "main", SQLITE_CHECKPOINT_RESTART, nullptr, nullptr);
+bool LogbookFile::makeRoomInLog() noexcept {
+    const Waiting waiting;  // SQLite waits for readers itself, but not for another who writes back
+    int outcome = SQLITE_BUSY;
+    do {
+        outcome = sqlite3_wal_checkpoint_v2(connection.handle(), "main", SQLITE_CHECKPOINT_RESTART, nullptr, nullptr);
+    } while (outcome == SQLITE_BUSY && waiting.goesOn());
+    return outcome == SQLITE_OK;
 }
 
 void LogbookFile::emptyLog() noexcept {

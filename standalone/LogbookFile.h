@@ -66,7 +66,8 @@ public:
     void takeSpaceFor(std::int64_t capacity);
 
     /// Writes as much of the log back as its readers allow, who are waited for, which makes room in the log.
-    void makeRoomInLog() noexcept;
+    /// @return whether there were none
+    bool makeRoomInLog() noexcept;
 
     /// Writes the log back, and marks it as empty, as far as its readers allow, who are waited for.
     void emptyLog() noexcept;

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <utility>
 
 namespace lgb {
@@ -40,8 +41,30 @@ NumberedRecord numbered(std::int64_t number, const lgb::timestamp::Timestamp& ti
     return {number, timestamp.seconds, timestamp.nanoseconds, timestamp.text, json};
 }
 
+NumberedRecord numbered(std::int64_t number, const lgb::DatabaseRecord& record) {
+    return numbered(number, record.timestamp, record.json);
+}
+
 NumberedRecord numbered(std::int64_t number, const FoundRecord& record) {
     return {number, record.seconds, record.nanoseconds, record.time, record.json};
+}
+
+/// What tells the content of a record from that of others, whatever its number.
+using Contents = std::multiset<std::uint32_t>;
+
+template <typename Record>
+std::uint32_t contentOf(const Record& record) {
+    constexpr LogbookId none{};
+    return checksum(numbered(0, record), none);
+}
+
+bool take(std::uint32_t content, Contents& from) {
+    const auto found = from.find(content);
+    if (found == from.end()) {
+        return false;
+    }
+    from.erase(found);
+    return true;
 }
 
 /// Ascending numbers: those that follow one another make one range.
@@ -175,6 +198,33 @@ struct SqliteDatabase::Session {
         Statement select(connection, schema::selectRecords("number = ?"));
         select.bind(1, record.number);
         return select.step() && select.number(5) == checksum(numbered(record.number, record), id);
+    }
+
+    /// Of all records from a number on.
+    Contents contentsFrom(std::int64_t number) {
+        Contents contents;
+        Statement select(connection, schema::selectRecords("number >= ?"));
+        select.bind(1, number);
+        while (select.step()) {
+            contents.insert(contentOf(storedRecord(select, id).content));
+        }
+        return contents;
+    }
+
+    /// Those that are there neither under their number nor under another, as put back by another process that had them.
+    std::vector<const FoundRecord*> missingOf(const std::vector<FoundRecord>& records) {
+        std::vector<const FoundRecord*> missing;
+        Contents others = records.empty() ? Contents() : contentsFrom(records.front().number);
+        for (const FoundRecord& record : records) {
+            if (holds(record)) {
+                take(contentOf(record), others);
+            } else {
+                missing.push_back(&record);
+            }
+        }
+        const auto isThere = [&](const FoundRecord* record) { return take(contentOf(*record), others); };
+        missing.erase(std::remove_if(missing.begin(), missing.end(), isThere), missing.end());
+        return missing;
     }
 
     std::unique_ptr<LogbookFile> file;           // null: it can only be read
@@ -332,7 +382,7 @@ void SqliteDatabase::takeOver(LogFindings& log) {
     }
 }
 
-/// Where the disk is full, only the newest.
+/// Where the disk has room for nothing else, only the newest.
 void SqliteDatabase::putBackWhatFits(std::int64_t newestKnown) {
     while (true) {
         try {
@@ -343,7 +393,6 @@ void SqliteDatabase::putBackWhatFits(std::int64_t newestKnown) {
                 throw;
             }
         }
-        session->lost = lostOf(session->connection);
         const auto half = static_cast<std::ptrdiff_t>((leftRecords.size() + 1) / 2);
         leftRecords.erase(leftRecords.begin(), leftRecords.begin() + half);
     }
@@ -354,24 +403,26 @@ void SqliteDatabase::putBack(std::int64_t newestKnown) {
     if (leftRecords.empty() && newestKnown <= session->numbers().newest) {
         return;
     }
-    Transaction transaction(session->transactions);
     std::vector<LostRange> added;
     std::vector<LostRange> lost;
-    const std::int64_t oldest = session->numbers().oldest;
-    const LostRanges lostBefore = session->lost;
-    for (const FoundRecord& record : leftRecords) {
-        const bool mayBeUnknown = record.number >= oldest || lostBefore.holds(record.number);
-        if (mayBeUnknown && !session->holds(record)) {
-            session->loseTo(record.number - 1, lost);
-            const std::int64_t number = session->numbers().newest + 1;
-            session->insert(numbered(number, record));
-            extend(added, number, number);
+    const auto change = [&](const Numbers& numbers) {
+        added.clear();
+        lost.clear();
+        const LostRanges lostBefore = session->lost;
+        for (const FoundRecord* const record : session->missingOf(leftRecords)) {
+            if (record->number >= numbers.oldest || lostBefore.holds(record->number)) {
+                session->loseTo(record->number - 1, lost);
+                const std::int64_t number = session->numbers().newest + 1;
+                session->insert(numbered(number, *record));
+                extend(added, number, number);
+            }
         }
+        session->loseTo(newestKnown, lost);
+        session->keepCapacity(session->numbers().newest, numbers.capacity);
+    };
+    if (!changeWithRoom(0, change)) {
+        throw HasMoved();
     }
-    session->loseTo(newestKnown, lost);
-    const Numbers now = session->numbers();
-    session->keepCapacity(now.newest, now.capacity);
-    transaction.commit();
     tellOf(added, lost);
 }
 
@@ -399,6 +450,36 @@ void SqliteDatabase::followTo(Whose whose) {
 
 /// Makes a change in one transaction; where there is no space for it, again and again with more room.
 /// @param bytes of what is added
+/// @return whether it is made: not where the names stand for other files by now
+bool SqliteDatabase::changeWithRoom(std::size_t bytes, const Change& change) {
+    Room room{false, true, 2 * (1 + bytes / LogbookFile::growthBytes), 0};
+    while (true) {
+        try {
+            Transaction transaction(session->transactions);
+            if (!session->file->isInPlace()) {
+                return false;
+            }
+            session->file->limitToSpace();
+            const Numbers numbers = session->numbers();
+            session->giveWay(room.records, numbers.newest);
+            change(numbers);
+            transaction.commit();
+        } catch (const SqliteError& exception) {
+            const bool isFull = failureOf(exception) == Failure::Full;
+            if (!isFull || room.records > session->stored()) {
+                throw;
+            }
+            makeMore(room);
+            continue;
+        }
+        if (room.records > 0) {
+            tellOfFullDisk();
+        }
+        return true;
+    }
+}
+
+/// @param bytes of what is added
 void SqliteDatabase::commit(Whose whose, std::size_t bytes, const Change& change) {
     std::optional<LogbookId> meant;
     guarded(Access::Writing, [&] {
@@ -406,42 +487,23 @@ void SqliteDatabase::commit(Whose whose, std::size_t bytes, const Change& change
             return;
         }
         meant = session->id;
-        Room room{false, 2 * (1 + bytes / LogbookFile::growthBytes), 0};
-        while (true) {
-            try {
-                Transaction transaction(session->transactions);
-                if (!session->file->isInPlace()) {
-                    break;
-                }
-                session->file->limitToSpace();
-                const Numbers numbers = session->numbers();
-                session->giveWay(room.records, numbers.newest);
-                change(numbers);
-                transaction.commit();
-            } catch (const SqliteError& exception) {
-                const bool isFull = failureOf(exception) == Failure::Full;
-                if (!isFull || room.records > session->stored()) {
-                    throw;
-                }
-                makeMore(room);
-                continue;
-            }
-            if (room.records > 0) {
-                tellOfFullDisk();
-            }
-            followTo(whose);
-            return;
+        if (!changeWithRoom(bytes, change)) {
+            leave(false);
+            throw HasMoved();
         }
-        leave(false);
-        throw HasMoved();
+        followTo(whose);
     });
 }
 
 /// In the log, as far as its readers allow, then in the database, as far as the disk allows, at last by the oldest.
 void SqliteDatabase::makeMore(Room& room) {
+    if (room.logIsFree) {
+        room.logIsFree = session->file->makeRoomInLog();
+    }
     if (!std::exchange(room.madeInLog, true)) {
-        session->file->makeRoomInLog();
-    } else if (room.records == 0 && room.growthsLeft > 0 && session->file->grow()) {
+        return;
+    }
+    if (room.records == 0 && room.growthsLeft > 0 && session->file->grow()) {
         --room.growthsLeft;
     } else {
         room.records = std::max(2 * room.records, firstToMakeRoom);

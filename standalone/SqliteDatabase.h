@@ -64,10 +64,12 @@ private:
     using Change = std::function<void(const Numbers& numbers)>;
 
     void commit(Whose whose, std::size_t bytes, const Change& change);
+    bool changeWithRoom(std::size_t bytes, const Change& change);
 
     /// What was done to find space for a change.
     struct Room {
         bool madeInLog;
+        bool logIsFree;  ///< of readers, as far as is known
         std::size_t growthsLeft;
         std::int64_t records;  ///< how many of the oldest give way
     };

@@ -28,12 +28,6 @@ class LogbookInUse : public SqliteLogbook {
 protected:
     LogbookInUse() { addNumbers(*database, 1, 10); }
 
-    void removeFiles() const {
-        for (const auto& each : {file, log, index}) {
-            std::filesystem::remove(each);
-        }
-    }
-
     std::string line(const std::string& what) const { return "error libTqZelPlatform: " + file.string() + what; }
 
     const std::string deleted = ": was deleted or replaced while in use; recording goes on in what is there now\n";
@@ -270,6 +264,25 @@ TEST_F(LogbookOfTwoProcesses, GetsNothingBackThatWasClearedMeanwhile) {
     other.act();
     add(*database, "6");
     EXPECT_EQ(stored(), Texts{"6"});
+}
+
+TEST_F(LogbookOfTwoProcesses, GetsItsRecordsBackOnceThoughBothHaveThem) {
+    std::string older;
+    const AnotherProcess other([&] {
+        const auto database = open();
+        addNumbers(*database, 3, 4);
+        older = support::contentOf(file);
+        addNumbers(*database, 5, 8);
+        removeFiles();
+        support::write(file, older);
+        add(*database, "9");
+    });
+    addNumbers(*open(), 1, 2);
+    const auto database = open();
+    EXPECT_EQ(database->count(), 2U);
+    other.act();
+    add(*database, "10");
+    EXPECT_EQ(stored(), countingDown(10, 1));
 }
 
 TEST_F(LogbookOfTwoProcesses, GetsARecordBackThatWasLostInHealing) {

@@ -80,6 +80,12 @@ protected:
     /// Changes the file behind the logbook's back.
     void execute(const std::string& sql) const { support::execute(file, sql); }
 
+    void removeFiles() const {
+        for (const auto& each : {file, log, index}) {
+            std::filesystem::remove(each);
+        }
+    }
+
     /// Turns a bit of a text wherever it stands, in the file and in the log.
     void spoil(const std::string& text) const {
         for (const std::filesystem::path& damaged : {file, log}) {
