@@ -10,9 +10,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <numeric>
 #include <optional>
-#include <set>
 #include <utility>
 
 namespace lgb {
@@ -50,7 +50,7 @@ NumberedRecord numbered(std::int64_t number, const FoundRecord& record) {
 }
 
 /// What tells the content of a record from that of others, whatever its number.
-using Contents = std::multiset<std::uint32_t>;
+using Contents = std::map<std::uint32_t, std::size_t>;
 
 template <typename Record>
 std::uint32_t contentOf(const Record& record) {
@@ -59,12 +59,8 @@ std::uint32_t contentOf(const Record& record) {
 }
 
 bool take(std::uint32_t content, Contents& from) {
-    const auto found = from.find(content);
-    if (found == from.end()) {
-        return false;
-    }
-    from.erase(found);
-    return true;
+    std::size_t& left = from[content];
+    return left > 0 && left-- > 0;
 }
 
 /// Ascending numbers: those that follow one another make one range.
@@ -118,6 +114,9 @@ struct SqliteDatabase::Session {
 
     /// How many numbers to skip for so many records.
     std::int64_t skip(unsigned int records) {
+        if (records == 0) {
+            return 0;
+        }
         const std::int64_t newest = numbers().newestRecord;
         return newest - lost.before(newest, records);
     }
@@ -206,24 +205,29 @@ struct SqliteDatabase::Session {
         Statement select(connection, schema::selectRecords("number >= ?"));
         select.bind(1, number);
         while (select.step()) {
-            contents.insert(contentOf(storedRecord(select, id).content));
+            ++contents[contentOf(storedRecord(select, id).content)];
         }
         return contents;
     }
 
-    /// Those that are there neither under their number nor under another, as put back by another process that had them.
-    std::vector<const FoundRecord*> missingOf(const std::vector<FoundRecord>& records) {
-        std::vector<const FoundRecord*> missing;
+    /// The indexes of those that are there neither under their number nor under another, as put back by another process
+    /// that had them.
+    std::vector<std::size_t> missingOf(const std::vector<FoundRecord>& records) {
+        std::vector<std::size_t> notThere;
         Contents others = records.empty() ? Contents() : contentsFrom(records.front().number);
-        for (const FoundRecord& record : records) {
-            if (holds(record)) {
-                take(contentOf(record), others);
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            if (holds(records[i])) {
+                take(contentOf(records[i]), others);
             } else {
-                missing.push_back(&record);
+                notThere.push_back(i);
             }
         }
-        const auto isThere = [&](const FoundRecord* record) { return take(contentOf(*record), others); };
-        missing.erase(std::remove_if(missing.begin(), missing.end(), isThere), missing.end());
+        std::vector<std::size_t> missing;
+        for (const std::size_t i : notThere) {
+            if (!take(contentOf(records[i]), others)) {
+                missing.push_back(i);
+            }
+        }
         return missing;
     }
 
@@ -409,11 +413,12 @@ void SqliteDatabase::putBack(std::int64_t newestKnown) {
         added.clear();
         lost.clear();
         const LostRanges lostBefore = session->lost;
-        for (const FoundRecord* const record : session->missingOf(leftRecords)) {
-            if (record->number >= numbers.oldest || lostBefore.holds(record->number)) {
-                session->loseTo(record->number - 1, lost);
+        for (const std::size_t missing : session->missingOf(leftRecords)) {
+            const FoundRecord& record = leftRecords[missing];
+            if (record.number >= numbers.oldest || lostBefore.holds(record.number)) {
+                session->loseTo(record.number - 1, lost);
                 const std::int64_t number = session->numbers().newest + 1;
-                session->insert(numbered(number, *record));
+                session->insert(numbered(number, record));
                 extend(added, number, number);
             }
         }
