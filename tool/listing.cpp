@@ -77,11 +77,19 @@ std::string notesOf(const ReadEntry& read, bool raw) {
     return notes;
 }
 
+/// As wide as the time of an entry may be; one that a device wrote is 25 columns wide.
+constexpr std::size_t widestTime = 40;
+
+std::string timeOf(const ReadEntry& read, const Look& look) {
+    const auto& timestamp = read.entry.timestamp;
+    return look.utc ? utc(timestamp.seconds) : shortened(printable(timestamp.text), widestTime);
+}
+
 std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(width - widthOf(text), ' ');
 }
 
-/// Columns as wide as their widest text; the last one wraps within the terminal.
+/// Columns as wide as their widest text, but for very long times; the last one wraps within the terminal.
 class Table : public Listing {
 public:
     explicit Table(const Look& wanted) : look(wanted) {
@@ -91,11 +99,9 @@ public:
     }
 
     void add(const ReadEntry& read) override {
-        const Entry& entry = read.entry;
-        rows.push_back(
-            {{std::to_string(read.number), look.utc ? utc(entry.timestamp.seconds) : printable(entry.timestamp.text),
-              lookOf(read).name, printable(wordsOf(read) + notesOf(read, look.raw))},
-             lookOf(read).style});
+        rows.push_back({{std::to_string(read.number), timeOf(read, look), lookOf(read).name,
+                         printable(wordsOf(read) + notesOf(read, look.raw))},
+                        lookOf(read).style});
     }
 
     void flush() override {

@@ -146,6 +146,11 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
             return lines;
         }
         text.remove_prefix(next);
+std::string shortened(const std::string& text, std::size_t width) {
+    const std::string mark = "...";
+    return widthOf(text) <= width ? text : text.substr(0, bytesThatFit(text, width - mark.size())) + mark;
+}
+
     }
     lines.emplace_back(text);
     return lines;

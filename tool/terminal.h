@@ -33,6 +33,9 @@ std::size_t widthOf(std::string_view text);
 /// @param width in columns; 0: one line
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
+/// The beginning of a printable text that is wider than so many columns, with "..." behind it.
+std::string shortened(const std::string& text, std::size_t width);
+
 /// A start and a printable text behind it, broken into lines that are indented as far as the start is wide; each ends
 /// with a line feed.
 /// @param width of the lines in columns; 0, or no more than twice that of the start: the text is not broken

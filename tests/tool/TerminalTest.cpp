@@ -18,6 +18,12 @@ TEST(Terminal, ShowsControlCharactersAndStrayBytesAsEscapes) {
     EXPECT_EQ(tool::printable("\u6f22 \u00e9 \U0001f600"), "\u6f22 \u00e9 \U0001f600");
 }
 
+TEST(Terminal, ShortensWhatIsTooWide) {
+    EXPECT_EQ(tool::shortened("abcdefgh", 8), "abcdefgh");
+    EXPECT_EQ(tool::shortened("abcdefghi", 8), "abcde...");
+    EXPECT_EQ(tool::shortened("\u6f22\u5b57\u6f22\u5b57\u6f22", 8), "\u6f22\u5b57...");
+}
+
 TEST(Terminal, ReplacesWhatIsNoUtf8) {
     EXPECT_EQ(tool::validUtf8("a\xff\u6f22\n"), "a\uFFFD\u6f22\n");
     EXPECT_TRUE(tool::isUtf8("\u6f22"));
