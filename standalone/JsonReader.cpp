@@ -148,6 +148,10 @@ private:
 }  // namespace
 
 Json::Value readJson(std::string_view text) {
+    // jsoncpp takes one for the end, and would believe what stands before it, whatever follows.
+    if (const std::size_t zero = text.find('\0'); zero != std::string_view::npos) {
+        throw JsonError("not JSON: byte " + std::to_string(zero + 1) + " is zero");
+    }
     const std::lock_guard lock(reading);
     static const std::unique_ptr<Json::CharReader> reader = makeReader();
     Json::Value value;
@@ -173,7 +177,7 @@ bool readPlainJson(std::string_view text, Json::Value& value) {
     rapidjson::Reader reader;
     Builder builder(value);
     const bool read = !reader.Parse<rapidjson::kParseInsituFlag>(stream, builder).IsError();
-    return read && stream.Tell() == text.size();  // it takes a zero byte for the end
+    return read && stream.Tell() == text.size();  // it takes a zero byte for the end, too
 }
 
 }  // namespace standalone

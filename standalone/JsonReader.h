@@ -7,7 +7,7 @@
 namespace standalone {
 
 /// The value of a JSON text by jsoncpp's own reader, which has the last word on what is JSON, what it means and how it
-/// is refused.
+/// is refused; but a zero byte, which it would take for the end, is nowhere JSON.
 /// @throws JsonError for a text that is not JSON
 Json::Value readJson(std::string_view text);
 

@@ -6,7 +6,9 @@
 #include "schema.h"
 #include "storedRecord.h"
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace standalone {
@@ -16,6 +18,18 @@ namespace {
 constexpr const char* secondsBefore =
     ", (SELECT seconds FROM record AS before WHERE before.number = record.number - 1)";
 constexpr int secondsBeforeColumn = 6;
+
+/// Appends what a row of an integrity check names, which may be several damages, under a title.
+void appendDamages(std::vector<std::string>& damages, std::string_view row) {
+    constexpr std::string_view title = "***";
+    while (!row.empty()) {
+        const std::string_view line = row.substr(0, row.find('\n'));
+        if (line.substr(0, title.size()) != title) {
+            damages.emplace_back(line);
+        }
+        row.remove_prefix(std::min(row.size(), line.size() + 1));
+    }
+}
 
 }  // namespace
 
@@ -88,9 +102,9 @@ std::vector<std::string> structuralDamage(const std::filesystem::path& path) {
             damage.clear();
             Statement check(connection.database(), "PRAGMA integrity_check");
             while (check.step()) {
-                const std::string line = check.text(0);
-                if (line != "ok") {
-                    damage.push_back(line);
+                const std::string row = check.text(0);
+                if (row != "ok") {
+                    appendDamages(damage, row);
                 }
             }
             if (!damage.empty()) {

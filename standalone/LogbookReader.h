@@ -60,8 +60,9 @@ private:
     std::unique_ptr<File> file;
 };
 
-/// What is wrong with the structure of a file, thoroughly checked, each index and page of it; empty when it is sound.
-/// Changes and makes no file. Whether it holds a logbook or another SQLite database makes no difference.
+/// What is wrong with the structure of a file, thoroughly checked, each index and page of it: a text for each damage,
+/// none when it is sound. Changes and makes no file. Whether it holds a logbook or another SQLite database makes no
+/// difference.
 /// @throws DatabaseError, naming the file and the reason, when there is none or it can't be read as a database at all
 TQZEL_STANDALONE_EXPORT std::vector<std::string> structuralDamage(const std::filesystem::path& file);
 

@@ -23,7 +23,7 @@ unsigned int levelFromEnvironment() {
         return static_cast<unsigned int>(text[0] - '0');
     }
     standalone::logLine(warning,
-                        "TQZEL_LOG_LEVEL is \"" + standalone::printable(text) + "\", expected 1 to 5; using 3");
+                        "TQZEL_LOG_LEVEL is \"" + standalone::printableExtract(text) + "\", expected 1 to 5; using 3");
     return warning;
 }
 
@@ -35,7 +35,7 @@ bool isEnabled(unsigned int level, const char*) {
 }
 
 void log(unsigned int level, const char* channel, const std::string& message) {
-    standalone::logLine(level, std::string(channel) + ": " + standalone::printable(message));
+    standalone::logLine(level, std::string(channel) + ": " + standalone::printableExtract(message));
 }
 
 }  // namespace tqbase2::system::log::detail

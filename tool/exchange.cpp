@@ -32,8 +32,9 @@ using standalone::StoredRecord;
 namespace {
 
 /// Writes every record of a logbook, oldest first.
+/// @param seen on a terminal
 /// @return how many had to be left out, being damaged
-std::int64_t exportTo(std::ostream& stream, standalone::LogbookReader& reader) {
+std::int64_t exportTo(std::ostream& stream, bool seen, standalone::LogbookReader& reader) {
     Progress progress(reader.count());
     constexpr unsigned int linesAtOnce = 256;
     std::int64_t damaged = 0;
@@ -41,7 +42,7 @@ std::int64_t exportTo(std::ostream& stream, standalone::LogbookReader& reader) {
     while (!records.empty() && stream) {
         for (const StoredRecord& record : records) {
             if (record.intact) {
-                stream << exportLineOf(record.content) << '\n';
+                writeExportLine(stream, seen, record.content);
             } else {
                 ++damaged;
             }
@@ -112,8 +113,9 @@ void importFrom(std::istream& stream, const std::string& file, const Selection& 
 
 void exportFile(const Selection& selection, const std::string& file) {
     standalone::LogbookReader reader(fileOf(selection));
+    const bool seen = isSeen(file);
     std::int64_t damaged = 0;
-    writeOutput(selection, file, [&](std::ostream& stream) { damaged = exportTo(stream, reader); });
+    writeOutput(selection, file, [&](std::ostream& stream) { damaged = exportTo(stream, seen, reader); });
     if (damaged > 0 && std::cout) {
         throw std::runtime_error(fmt::format("{}: {} damaged {} left out; all others were exported",
                                              fileOf(selection).string(), damaged,

@@ -62,13 +62,14 @@ std::string textOf(const Json::Value& line, const std::string& key) {
 
 }  // namespace
 
-std::string exportLineOf(const DatabaseRecord& record) {
+void writeExportLine(std::ostream& stream, bool seen, const DatabaseRecord& record) {
     Json::Value line;
     line[secondsKey] = Json::Int64{record.timestamp.seconds};
     line[nanosecondsKey] = Json::Int64{record.timestamp.nanoseconds};
     setText(line, timeKey, record.timestamp.text);
     setText(line, entryKey, record.json);
-    return JsonUtility::toJsonString(line);
+    const std::string text = JsonUtility::toJsonString(line);
+    stream << (seen ? printableJson(text) : text) << '\n';
 }
 
 DatabaseRecord recordOf(const std::string& text) {

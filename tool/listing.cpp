@@ -77,11 +77,19 @@ std::string notesOf(const ReadEntry& read, bool raw) {
     return notes;
 }
 
+/// As wide as the time of an entry may be; one that a device wrote is 25 columns wide.
+constexpr std::size_t widestTime = 40;
+
+std::string timeOf(const ReadEntry& read, const Look& look) {
+    const auto& timestamp = read.entry.timestamp;
+    return look.utc ? utc(timestamp.seconds) : shortened(printable(timestamp.text), widestTime);
+}
+
 std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(width - widthOf(text), ' ');
 }
 
-/// Columns as wide as their widest text; the last one wraps within the terminal.
+/// Columns as wide as their widest text, but for very long times; the last one wraps within the terminal.
 class Table : public Listing {
 public:
     explicit Table(const Look& wanted) : look(wanted) {
@@ -91,11 +99,9 @@ public:
     }
 
     void add(const ReadEntry& read) override {
-        const Entry& entry = read.entry;
-        rows.push_back(
-            {{std::to_string(read.number), look.utc ? utc(entry.timestamp.seconds) : printable(entry.timestamp.text),
-              lookOf(read).name, printable(wordsOf(read) + notesOf(read, look.raw))},
-             lookOf(read).style});
+        rows.push_back({{std::to_string(read.number), timeOf(read, look), lookOf(read).name,
+                         printable(wordsOf(read) + notesOf(read, look.raw))},
+                        lookOf(read).style});
     }
 
     void flush() override {
@@ -195,17 +201,29 @@ Json::Value jsonOf(const ReadEntry& read) {
     return json;
 }
 
+std::string jsonTextOf(const ReadEntry& read, const Look& look) {
+    const std::string text = JsonUtility::toJsonString(jsonOf(read));
+    return look.isSeen ? printableJson(text) : text;
+}
+
 class JsonLines : public Listing {
 public:
-    void add(const ReadEntry& read) override { std::cout << JsonUtility::toJsonString(jsonOf(read)) << '\n'; }
+    explicit JsonLines(const Look& wanted) : look(wanted) {}
+
+    void add(const ReadEntry& read) override { std::cout << jsonTextOf(read, look) << '\n'; }
 
     void flush() override { std::cout.flush(); }
+
+private:
+    Look look;
 };
 
 class JsonArray : public Listing {
 public:
+    explicit JsonArray(const Look& wanted) : look(wanted) {}
+
     void add(const ReadEntry& read) override {
-        std::cout << before << JsonUtility::toJsonString(jsonOf(read));
+        std::cout << before << jsonTextOf(read, look);
         before = ",\n";
     }
 
@@ -213,6 +231,7 @@ public:
 
 private:
     static constexpr std::string_view begin = "[\n";
+    Look look;
     std::string_view before = begin;
 };
 
@@ -230,11 +249,16 @@ std::string csvField(const std::string& text) {
 
 class Csv : public Listing {
 public:
-    Csv() { std::cout << "number,time,standing,type,code,unit,device,generation,description,parameters\n"; }
+    explicit Csv(const Look& wanted) : look(wanted) {
+        std::cout << "number,time,standing,type,code,unit,device,generation,description,parameters\n";
+    }
 
     void add(const ReadEntry& read) override {
         const Entry& entry = read.entry;
         const bool readable = isRead(read);
+        const auto text = [&](const std::string& stored) {
+            return look.isSeen ? printable(stored) : validUtf8(stored);
+        };
         const auto number = [&](std::int64_t value) { return readable && value >= 0 ? std::to_string(value) : ""; };
         const std::string fields[] = {
             std::to_string(read.number),
@@ -245,8 +269,8 @@ public:
             number(entry.details.unit),
             number(entry.details.device),
             readable ? enums::GenerationConverter::fromValToJsonValue(entry.details.generation).asString() : "",
-            validUtf8(readable || read.standing == Standing::Lost ? wordsOf(read) : read.document),
-            validUtf8(entry.details.params),
+            text(readable || read.standing == Standing::Lost ? wordsOf(read) : read.document),
+            text(entry.details.params),
         };
         std::string line;
         for (const std::string& field : fields) {
@@ -256,6 +280,9 @@ public:
     }
 
     void flush() override { std::cout.flush(); }
+
+private:
+    Look look;
 };
 
 struct Format {
@@ -266,9 +293,9 @@ struct Format {
 // clang-format off
 constexpr Format formats[] = {
     {"table", [](const Look& look) -> std::unique_ptr<Listing> { return std::make_unique<Table>(look); }},
-    {"json",  [](const Look&) -> std::unique_ptr<Listing> { return std::make_unique<JsonArray>(); }},
-    {"jsonl", [](const Look&) -> std::unique_ptr<Listing> { return std::make_unique<JsonLines>(); }},
-    {"csv",   [](const Look&) -> std::unique_ptr<Listing> { return std::make_unique<Csv>(); }},
+    {"json",  [](const Look& look) -> std::unique_ptr<Listing> { return std::make_unique<JsonArray>(look); }},
+    {"jsonl", [](const Look& look) -> std::unique_ptr<Listing> { return std::make_unique<JsonLines>(look); }},
+    {"csv",   [](const Look& look) -> std::unique_ptr<Listing> { return std::make_unique<Csv>(look); }},
 };
 // clang-format on
 

@@ -16,6 +16,7 @@ struct Look {
     bool coloured = false;  ///< types in colour
     std::size_t width = 0;  ///< columns of the terminal; 0: no limit
     bool goesOn = false;    ///< whether entries of any type may follow those that are known
+    bool isSeen = false;    ///< on a terminal, which texts must not steer
 };
 
 /// Writes entries to standard output.

@@ -259,6 +259,7 @@ void show(const Selection& selection, Request request) {
     requirePeriod(request.filter);
     request.look.coloured = isColoured(request.colour);
     request.look.width = terminalWidth();
+    request.look.isSeen = isTerminal();
     if (request.follow) {
         follow(selection, std::move(request));
     }

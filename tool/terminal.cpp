@@ -53,8 +53,9 @@ struct Range {
     utf8proc_int32_t last;
 };
 
-// Line and paragraph separators, and what turns the direction of writing.
-constexpr Range disturbing[] = {{0x2028, 0x202e}, {0x2066, 0x2069}};
+// What has no width or turns the direction of writing, line and paragraph separators; as in the platform's log lines.
+constexpr Range disturbing[] = {
+    {0x061c, 0x061c}, {0x200b, 0x200f}, {0x2028, 0x202e}, {0x2060, 0x206f}, {0xfeff, 0xfeff}};
 
 bool isControl(const Character& character) {
     const auto isIn = [&](const Range& range) { return character.code >= range.first && character.code <= range.last; };
@@ -111,6 +112,20 @@ std::string printable(std::string_view text) {
     return shown;
 }
 
+std::string printableJson(std::string_view json) {
+    std::string shown;
+    shown.reserve(json.size());
+    forEachCharacter(json, [&](const Character& character) {
+        constexpr utf8proc_int32_t replacement = 0xfffd;
+        if (isControl(character)) {
+            fmt::format_to(std::back_inserter(shown), "\\u{:04x}", character.code < 0 ? replacement : character.code);
+        } else {
+            shown += character.bytes;
+        }
+    });
+    return shown;
+}
+
 std::string validUtf8(std::string_view text) {
     std::string valid;
     valid.reserve(text.size());
@@ -129,6 +144,11 @@ std::size_t widthOf(std::string_view text) {
     std::size_t width = 0;
     forEachCharacter(text, [&](const Character& character) { width += widthOf(character); });
     return width;
+}
+
+std::string shortened(const std::string& text, std::size_t width) {
+    const std::string mark = "...";
+    return widthOf(text) <= width ? text : text.substr(0, bytesThatFit(text, width - mark.size())) + mark;
 }
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t width) {

@@ -17,9 +17,13 @@ std::size_t terminalWidth();
 /// Whether to colour standard output: a terminal without $NO_COLOR, unless "always" or "never" is asked for.
 bool isColoured(const std::string& when);
 
-/// A text as it may be shown: control characters would break its line, steer the terminal or turn what follows around,
-/// so they and bytes that are no UTF-8 are shown as \x1b and the like.
+/// A text as it may be shown: control characters would break its line, steer the terminal, turn what follows around or
+/// hide, so they and bytes that are no UTF-8 are shown as \x1b and the like.
 std::string printable(std::string_view text);
+
+/// A JSON text of one line as it may be shown: what `printable` would show as bytes is escaped within its strings, so
+/// that its value stays the same; but for bytes that are no UTF-8, which no JSON text has: they become U+FFFD.
+std::string printableJson(std::string_view json);
 
 /// The same text with U+FFFD for what is no UTF-8.
 std::string validUtf8(std::string_view text);
@@ -28,6 +32,9 @@ bool isUtf8(std::string_view text);
 
 /// Columns a printable text takes.
 std::size_t widthOf(std::string_view text);
+
+/// The beginning of a printable text that is wider than so many columns, with "..." behind it.
+std::string shortened(const std::string& text, std::size_t width);
 
 /// A printable text broken into lines at its blanks, and where there are none at any character.
 /// @param width in columns; 0: one line

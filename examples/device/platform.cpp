@@ -95,6 +95,9 @@ Json::Value tqbase2::system::JsonUtility::toJsonValue(std::string_view text) {
     if (text.empty()) {
         return value;  // most messages have no parameters
     }
+    if (text.find('\0') != std::string_view::npos) {
+        throw NotJson("a zero byte");  // which jsoncpp takes for the end
+    }
     std::string errors;
     try {
         const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());

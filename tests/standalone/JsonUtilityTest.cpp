@@ -97,6 +97,16 @@ TEST(JsonUtility, RefusesWhatIsNotOneWholeJsonValue) {
     }
 }
 
+TEST(JsonUtility, RefusesAZeroByteWhereverItStands) {
+    using namespace std::string_literals;
+    EXPECT_EQ(refusal("{\"bus\":1}\0garbage"s), "not JSON: byte 10 is zero");
+    for (const std::string& text : {"\0"s, " \0"s, "{}\0"s, "{}\n\0\0"s, "\0{}"s, "{\0}"s, "\"a\0b\""s, "1\0"s,
+                                    "[1\0]"s, "[1,\0"s, "{\"a\0\":1}"s, "{}" + std::string(2000, ' ') + '\0'}) {
+        EXPECT_THROW(JsonUtility::toJsonValue(text), standalone::JsonError) << text;
+    }
+    EXPECT_EQ(JsonUtility::toJsonValue("\"a\\u0000b\"").asString(), "a\0b"s);
+}
+
 TEST(JsonUtility, LimitsNesting) {
     EXPECT_EQ(JsonUtility::toJsonValue(nested(99)).size(), 1u);
     EXPECT_THROW(JsonUtility::toJsonValue(nested(101)), standalone::JsonError);

@@ -1,3 +1,4 @@
+#include "CapturedErrors.h"
 #include "TemporaryFolder.h"
 
 #include <lgb/Entry.h>
@@ -7,7 +8,7 @@
 #include <standalone/SqliteDatabaseFactory.h>
 
 #include <SQLiteCpp/Database.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <memory>
 #include <string>
@@ -98,6 +99,19 @@ TEST_F(ZelLogbookOnSqlite, KeepsAnyBytesOfAFreeText) {
         LogbookEntryCreator::createServiceOnly(everyByte, lgb::code::ServiceCode(LogbookEntryType::Info)));
     restart();
     EXPECT_EQ(shown(device->service()), Texts{everyByte});
+}
+
+TEST_F(ZelLogbookOnSqlite, LogsATextThatIsNoEntryHarmlesslyAndInShort) {
+    const std::string stored = "\x1b]52;c;\x9b\u202e" + std::string(5000000, 'x') + '\0';
+    standalone::SqliteDatabaseFactory(folder.path()).addAll("lgbService", 0, {{{0, 0, ""}, stored}});
+    restart();
+    support::CapturedErrors errors;
+    EXPECT_EQ(shown(device->service()), Texts{});
+    const std::string line = errors.take();
+    EXPECT_THAT(line, testing::HasSubstr("stored logbook entry: \\x1b]52;c;\\x9b\\xe2\\x80\\xaexxx"));
+    EXPECT_THAT(line, testing::ContainsRegex("xxx[.][.][.] and 4999[0-9]{3} more bytes [.][.][.]xxx"));
+    EXPECT_THAT(line, testing::ContainsRegex("xxx\\\\x00 - error: not JSON: .*\n$"));
+    EXPECT_LT(line.size(), 1200U);
 }
 
 TEST_F(ZelLogbookOnSqlite, KeepsTheNewest500ForTheCustomerAnd1000ForService) {

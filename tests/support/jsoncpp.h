@@ -8,7 +8,8 @@
 #include <optional>
 #include <string>
 
-/// What jsoncpp's own reader and writer make of a text and a value: what the platform's are held against.
+/// What jsoncpp's own reader and writer make of a text and a value: what the platform's are held against. But a zero
+/// byte, which it takes for the end, is nowhere JSON.
 namespace support {
 
 inline std::unique_ptr<Json::CharReader> makeJsoncppReader() {
@@ -24,6 +25,9 @@ inline std::unique_ptr<Json::CharReader> makeJsoncppReader() {
 /// Nothing for a text that it refuses. For one thread at a time.
 inline std::optional<Json::Value> readByJsoncpp(const std::string& text) {
     static const std::unique_ptr<Json::CharReader> reader = makeJsoncppReader();
+    if (text.find('\0') != std::string::npos) {
+        return std::nullopt;
+    }
     Json::Value value;
     std::string errors;
     try {

@@ -116,6 +116,10 @@ TEST_F(Exchange, RefusesABadLineByItsNumberAndImportsNothing) {
               expected("\"entryHex\" is not an even number of hexadecimal digits"));
     EXPECT_EQ(reason(R"({"seconds":0,"nanoseconds":0,"time":"","entryHex":"zz"})"),
               expected("\"entryHex\" is not an even number of hexadecimal digits"));
+    const std::string whole = R"({"seconds":0,"nanoseconds":0,"time":"","entry":""})";
+    EXPECT_EQ(reason(whole + '\0' + "garbage"), expected("not JSON: byte 51 is zero"));
+    EXPECT_EQ(reason(R"({"seconds":0,"nanoseconds":0,"time":")" + std::string(1, '\0') + R"(","entry":""})"),
+              expected("not JSON: byte 38 is zero"));
     EXPECT_EQ(reason(std::string(100000, '[')), expected("not JSON: Exceeded stackLimit in readValue()."));
     EXPECT_TRUE(files() == before);
 }

@@ -1,5 +1,6 @@
 #include "ToolFixture.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -69,6 +70,20 @@ TEST_F(Report, TakesTextsAsTexts) {
 TEST_F(Report, ShowsWhatIsNoTextAsItsBytes) {
     add(R"text(service info --text "$(printf 'a\nb\033c\377d')")text");
     EXPECT_THAT(page(), HasSubstr(R"(<td class="words">a\x0ab\x1bc\xffd</td>)"));
+}
+
+TEST_F(Report, LetsABrowserRunItsOwnScriptAlone) {
+    add(R"(service info --text '<script>alert(1)</script>')");
+    const std::string shown = page();
+    const std::string begin = "<script>";
+    const std::size_t at = shown.find(begin) + begin.size();
+    support::write(folder / "script", shown.substr(at, shown.find("</script>", at) - at));
+    const Outcome hash = support::run(
+        "python3 -c 'import base64, hashlib, sys; print(end=base64.b64encode(hashlib."
+        "sha256(open(sys.argv[1], \"rb\").read()).digest()).decode())' " +
+        (folder / "script").string());
+    EXPECT_EQ(hash.errors, "");
+    EXPECT_THAT(shown, HasSubstr("; script-src 'sha256-" + hash.output + "'; "));
 }
 
 TEST_F(Report, SaysWhyAnEntryIsLeftOut) {

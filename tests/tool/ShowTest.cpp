@@ -179,6 +179,18 @@ TEST_F(Show, ShowsCodeAndParametersOfAnEntryWithoutAMessage) {
               "  1  2026-11-21 18:00:00 +0000  Error    unknown entry! [E4711 {\"bus\":1}]\n");
 }
 
+TEST_F(Show, DoesNotMakeRoomInEachLineForOneVeryLongTime) {
+    store("lgbCustomer",
+          std::vector<lgb::DatabaseRecord>{{{evening, 0, "then"}, document("I", 20, "")},
+                                           {{evening, 0, std::string(5000000, 't')}, document("I", 20, "")},
+                                           {{evening, 0, std::string(40, 't')}, document("I", 20, "")}});
+    EXPECT_EQ(output("show customer"),
+              "No.  Time                                      Type  Description\n"
+              "  3  tttttttttttttttttttttttttttttttttttttttt  Info  System restarted.\n"
+              "  2  ttttttttttttttttttttttttttttttttttttt...  Info  System restarted.\n"
+              "  1  then                                      Info  System restarted.\n");
+}
+
 TEST_F(Show, TellsWhatItLeavesOut) {
     storeFlawed();
     const Outcome outcome = tool("show customer");

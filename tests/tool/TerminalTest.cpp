@@ -1,7 +1,10 @@
 #include "terminal.h"
 
+#include <standalone/printable.h>
+
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <string>
 
 namespace {
@@ -16,6 +19,40 @@ TEST(Terminal, ShowsControlCharactersAndStrayBytesAsEscapes) {
     EXPECT_EQ(tool::printable("\u202e1\u202c"), "\\xe2\\x80\\xae1\\xe2\\x80\\xac");  // turns what follows around
     EXPECT_EQ(tool::printable("\xff \xc3( \xed\xa0\x80 \xe6\xbc"), "\\xff \\xc3( \\xed\\xa0\\x80 \\xe6\\xbc");
     EXPECT_EQ(tool::printable("\u6f22 \u00e9 \U0001f600"), "\u6f22 \u00e9 \U0001f600");
+}
+
+TEST(Terminal, ShowsWhatHasNoWidthOrTurnsTheDirectionAsEscapes) {
+    EXPECT_EQ(tool::printable("\u200b\u200f \u061c"), "\\xe2\\x80\\x8b\\xe2\\x80\\x8f \\xd8\\x9c");
+    EXPECT_EQ(tool::printable("\u2060\u206f \ufeff"), "\\xe2\\x81\\xa0\\xe2\\x81\\xaf \\xef\\xbb\\xbf");
+    EXPECT_EQ(tool::printable("\u200a\u2010\u205f\u2070\u061b"), "\u200a\u2010\u205f\u2070\u061b");
+}
+
+TEST(Terminal, IsToldOfEachCharacterWhatALogLineHolds) {
+    for (std::uint32_t code = 0; code <= 0x1fffff; ++code) {
+        const auto byte = [&](std::uint32_t lead, unsigned int shift) {
+            return static_cast<char>(lead | (code >> shift & (shift == 0 || lead == 0x80 ? 0x3fU : 0x1fU)));
+        };
+        const std::string two{byte(0xc0, 6), byte(0x80, 0)};
+        const std::string three{static_cast<char>(0xe0 | (code >> 12 & 0xf)), byte(0x80, 6), byte(0x80, 0)};
+        const std::string four{static_cast<char>(0xf0 | (code >> 18 & 7)), byte(0x80, 12), byte(0x80, 6),
+                               byte(0x80, 0)};
+        for (const std::string& text : {two, three, four}) {
+            ASSERT_EQ(standalone::printable(text), tool::printable(text)) << code;
+        }
+    }
+}
+
+TEST(Terminal, EscapesWithinJsonWhatItEscapes) {
+    EXPECT_EQ(tool::printableJson("{\"\u009b\":\"\x7f\u202e\u061c\ufeff\u00e9\"}"),
+              R"({"\u009b":"\u007f\u202e\u061c\ufeff)"
+              "\u00e9\"}");
+    EXPECT_EQ(tool::printableJson("[\"\xff\"]"), R"(["\ufffd"])");
+}
+
+TEST(Terminal, ShortensWhatIsTooWide) {
+    EXPECT_EQ(tool::shortened("abcdefgh", 8), "abcdefgh");
+    EXPECT_EQ(tool::shortened("abcdefghi", 8), "abcde...");
+    EXPECT_EQ(tool::shortened("\u6f22\u5b57\u6f22\u5b57\u6f22", 8), "\u6f22\u5b57...");
 }
 
 TEST(Terminal, ReplacesWhatIsNoUtf8) {
