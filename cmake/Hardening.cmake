@@ -17,8 +17,7 @@ endif()
 set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_RELEASE ON)
 set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_MINSIZEREL ON)
 
-# The same bytes wherever they are built: no path of the build machine, and a path to our own libraries while in the
-# build folder that is as long in every folder. Installing removes it.
+# The same bytes wherever they are built: no path of the build machine.
 set(own_folders ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR} ${CMAKE_SYSROOT})
 if(CMAKE_SYSROOT)
   file(REAL_PATH ${CMAKE_SYSROOT} sysroot)
@@ -30,3 +29,13 @@ endforeach()
 add_compile_options(${mapped_folders})
 add_link_options(${mapped_folders})  # optimisation at link time compiles
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+# What is to be installed finds our libraries while it is in the build folder, and where it is installed only those of the
+# system. CMake's own way of changing that leaves an empty element in the build folder, which means the current folder:
+# whoever can write there could have any library loaded.
+function(find_libraries_in_build_folder target component installed_folder)
+  list(TRANSFORM ARGN PREPEND $ORIGIN/../ OUTPUT_VARIABLE folders)
+  set_target_properties(${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "${folders}")
+  cmake_path(ABSOLUTE_PATH installed_folder BASE_DIRECTORY "\${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE folder)
+  install(CODE "file(RPATH_REMOVE FILE \"\$ENV{DESTDIR}${folder}/$<TARGET_FILE_NAME:${target}>\")" COMPONENT ${component})
+endfunction()
