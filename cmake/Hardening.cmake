@@ -1,8 +1,27 @@
-# What every binary of ours gets: addresses that can't be overwritten, a guarded stack, checked copies; nothing that is
-# never called. The sanitizers bring checks of their own, and want none of ours beside them.
+include(CheckCXXCompilerFlag)
+
+# What every binary of ours gets: addresses that can't be overwritten, a guarded stack, checked copies, jumps that lead
+# only where they should; nothing that is never called. The sanitizers bring checks of their own, and want none of ours
+# beside them.
 if(NOT CMAKE_BUILD_TYPE STREQUAL Debug)
+  set(machine_checks -fcf-protection)
+  # For 32-bit ARM it is accepted, but costs three instructions in each function: 7 % of the code.
+  if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+    list(APPEND machine_checks -fstack-clash-protection)
+  endif()
+  foreach(flag IN LISTS machine_checks)
+    check_cxx_compiler_flag(${flag} "has${flag}")
+    if("${has${flag}}")
+      add_compile_options(${flag})
+    endif()
+  endforeach()
   add_compile_options(-fstack-protector-strong -ffunction-sections -fdata-sections -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
   add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,--gc-sections -Wl,--as-needed)
+endif()
+
+# Tests look at each index into a container. What is shipped doesn't.
+if((TQZEL_TESTS OR TQZEL_FUZZ) AND NOT CMAKE_BUILD_TYPE MATCHES "^(Release|MinSizeRel)$")
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 
 # A library names all that it calls; the functions of clang++'s sanitizers come with the program alone.
