@@ -14,25 +14,31 @@ std::int64_t now() {
         .count();
 }
 
+using RangesByFirst = std::multimap<std::int64_t, LostRange>;
+
+RangesByFirst byFirst(const std::vector<LostRange>& ranges) {
+    RangesByFirst all;
+    for (const LostRange& range : ranges) {
+        all.emplace(range.first, range);
+    }
+    return all;
+}
+
 /// Numbers that are not there. What was known to be lost keeps the time at which it was found.
 void addLost(Remains& remains, std::vector<LostRange>& all, std::int64_t first, std::int64_t last,
-             const std::vector<LostRange>& known) {
-    const auto same = std::find_if(known.begin(), known.end(),
-                                   [&](const LostRange& range) { return range.first == first && range.last == last; });
-    all.push_back(same == known.end() ? LostRange{first, last, now()} : *same);
-    if (same == known.end()) {
+             const RangesByFirst& known) {
+    const auto [begin, end] = known.equal_range(first);
+    const auto same = std::find_if(begin, end, [last](const auto& range) { return range.second.last == last; });
+    all.push_back(same == end ? LostRange{first, last, now()} : same->second);
+    if (same == end) {
         remains.newlyLost.push_back(all.back());
     }
 }
 
 /// Of what looks like ranges known to be lost those that can be: without a record, and apart.
 LostRanges knownLost(const RecordScan& scan, const std::vector<std::int64_t>& numbers) {
-    std::multimap<std::int64_t, LostRange> ranges;
-    for (const LostRange& range : scan.perhapsLost()) {
-        ranges.emplace(range.first, range);
-    }
     std::vector<LostRange> known;
-    for (const auto& [first, range] : ranges) {
+    for (const auto& [first, range] : byFirst(scan.perhapsLost())) {
         const auto next = std::lower_bound(numbers.begin(), numbers.end(), first);
         const bool isEmpty = next == numbers.end() || *next > range.last;
         const bool isApart = known.empty() || first > known.back().last;
@@ -73,6 +79,7 @@ Remains remainsOf(const RecordScan& scan, std::int64_t capacity) {
         return remains;
     }
     std::vector<LostRange> lost;
+    const RangesByFirst known = byFirst(scan.perhapsLost());
     std::int64_t expected = oldestKept(scan, remains.head);
     for (const std::int64_t number : scan.numbers()) {
         if (number < expected) {
@@ -80,13 +87,13 @@ Remains remainsOf(const RecordScan& scan, std::int64_t capacity) {
             continue;
         }
         if (number > expected) {
-            addLost(remains, lost, expected, number - 1, scan.perhapsLost());
+            addLost(remains, lost, expected, number - 1, known);
         }
         remains.numbers.push_back(number);
         expected = number + 1;
     }
     if (expected <= *newest) {
-        addLost(remains, lost, expected, *newest, scan.perhapsLost());
+        addLost(remains, lost, expected, *newest, known);
     }
     remains.lost = LostRanges(std::move(lost));
     return remains;

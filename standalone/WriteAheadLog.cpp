@@ -1,5 +1,7 @@
 #include "WriteAheadLog.h"
 
+#include "LogbookHead.h"
+
 #include <zlib.h>
 
 #include <algorithm>
@@ -194,7 +196,8 @@ LogMark::Bytes LogMark::toBytes() const {
 std::optional<LogMark> LogMark::fromBytes(const Bytes& all) {
     LogMark mark{{}, static_cast<std::int64_t>(numberFrom(all.data() + newestAt, 8))};
     std::memcpy(mark.id.data(), all.data() + idAt, mark.id.size());
-    return mark.toBytes() == all ? std::optional(mark) : std::nullopt;
+    const bool isPossible = mark.newest >= 0 && mark.newest < highestNumber;
+    return isPossible && mark.toBytes() == all ? std::optional(mark) : std::nullopt;
 }
 
 LogContent readLog(const OpenFile& log, std::uint32_t pageBytes) {

@@ -79,6 +79,7 @@ void refuseLogbook(const Selection& selection, const std::string& file) {
 }  // namespace
 
 bool isSeen(const std::string& file) {
+    const CallersRights callers;
     std::error_code none;
     if (file.empty() || !fs::is_character_file(file, none)) {
         return file.empty() && isTerminal();

@@ -9,6 +9,7 @@
 
 #include <sys/wait.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <array>
@@ -348,6 +349,27 @@ TEST_F(ClosedLogbook, NamesWhatAnOlderCopyLacks) {
     add(*open(), "501");
     EXPECT_EQ(stored().front(), "501");
     EXPECT_EQ(LogbookReader(file).before(INT64_MAX, 1)[0].number, 501);
+}
+
+/// Made by somebody who knows how it is checked.
+TEST_F(ClosedLogbook, BelievesNoMarkThatCanNotBe) {
+    for (const std::int64_t newest : {std::int64_t{-1}, std::int64_t{1} << 62, INT64_MAX}) {
+        std::filesystem::remove(file);
+        std::filesystem::remove(log);
+        addNumbers(*open(), 1, 10);
+        std::string mark = support::contentOf(log).substr(0, 40);
+        for (std::size_t i = 0; i < 8; ++i) {
+            mark[4 + i] = static_cast<char>(static_cast<std::uint64_t>(newest) >> (8 * i));
+        }
+        mark.replace(12, 4, 4, '\0');
+        const auto sum = crc32_z(0, reinterpret_cast<const unsigned char*>(mark.data()), mark.size());
+        for (std::size_t i = 0; i < 4; ++i) {
+            mark[12 + i] = static_cast<char>(sum >> (8 * i));
+        }
+        support::write(log, mark);
+        EXPECT_EQ(toldBy([this] { add(*open(), "11"); }), "");
+        EXPECT_EQ(stored(), countingDown(11, 1));
+    }
 }
 
 TEST_F(ClosedLogbook, TellsThatItsLogIsMissing) {

@@ -679,29 +679,35 @@ TEST_P(ContradictoryFile, IsHealedWithTheSameRecords) {
 
 INSTANTIATE_TEST_SUITE_P(
     SqliteDatabase, ContradictoryFile,
-    testing::Values(Contradiction{"ThatLacksARecord", "DELETE FROM record WHERE number = 3"},
-                    Contradiction{"WithARecordThatWasCleared", "UPDATE logbook SET cleared = 1"},
-                    Contradiction{"WithoutAHead", "DELETE FROM logbook"},
-                    Contradiction{"WithTwoHeads", "INSERT INTO logbook SELECT id, 7, cleared, checksum FROM logbook"},
-                    Contradiction{"WithAShortId", "UPDATE logbook SET id = x'00'"},
-                    Contradiction{"WithANumberBelowOne", "UPDATE record SET number = -1 WHERE number = 1"},
-                    Contradiction{"WithTheHighestNumber",
-                                  "UPDATE record SET number = 9223372036854775807 WHERE number = 5"},
-                    Contradiction{"WithLostNumbersThatAreThere", "INSERT INTO lost VALUES (2, 3, 0)"},
-                    Contradiction{"WithLostNumbersOutOfOrder", "INSERT INTO lost VALUES (8, 7, 0)"},
-                    Contradiction{"WithLostNumbersThatOverlap", "INSERT INTO lost VALUES (7, 9, 0), (8, 10, 0)"},
-                    Contradiction{"WithLostNumbersBeyondAll", "INSERT INTO lost VALUES (7, 4611686018427387905, 0)"},
-                    Contradiction{"WithAnEmptyStatement",
-                                  "PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = '' WHERE sql IS NULL"},
-                    Contradiction{"WithFewerTables", "DROP TABLE lost"},
-                    Contradiction{"WithoutTables", "DROP TABLE lost; DROP TABLE record; DROP TABLE logbook"},
-                    Contradiction{"WithAnotherVersion", "PRAGMA user_version = 7"},
-                    Contradiction{"WithAnotherApplication", "PRAGMA application_id = 7"},
-                    Contradiction{"WithATableTooMany", "CREATE TABLE more (id INTEGER)"},
-                    Contradiction{"WithATrigger",
-                                  "CREATE TRIGGER evil BEFORE INSERT ON record BEGIN DELETE FROM "
-                                  "record; END"},
-                    Contradiction{"WithOtherColumns", "ALTER TABLE record RENAME COLUMN seconds TO minutes"}),
+    testing::Values(
+        Contradiction{"ThatLacksARecord", "DELETE FROM record WHERE number = 3"},
+        Contradiction{"WithARecordThatWasCleared", "UPDATE logbook SET cleared = 1"},
+        Contradiction{"WithoutAHead", "DELETE FROM logbook"},
+        Contradiction{"WithTwoHeads", "INSERT INTO logbook SELECT id, 7, cleared, checksum FROM logbook"},
+        Contradiction{"WithAShortId", "UPDATE logbook SET id = x'00'"},
+        Contradiction{"WithANumberBelowOne", "UPDATE record SET number = -1 WHERE number = 1"},
+        Contradiction{"WithTheHighestNumber", "UPDATE record SET number = 9223372036854775807 WHERE number = 5"},
+        Contradiction{"WithLostNumbersThatAreThere", "INSERT INTO lost VALUES (2, 3, 0)"},
+        Contradiction{"WithLostNumbersOutOfOrder", "INSERT INTO lost VALUES (8, 7, 0)"},
+        Contradiction{"WithLostNumbersThatOverlap", "INSERT INTO lost VALUES (7, 9, 0), (8, 10, 0)"},
+        Contradiction{"WithLostNumbersBeyondAll", "INSERT INTO lost VALUES (7, 4611686018427387905, 0)"},
+        Contradiction{"WithManyHeads",
+                      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 200000) "
+                      "INSERT INTO logbook SELECT id, i, cleared, checksum FROM n, (SELECT * FROM logbook)"},
+        Contradiction{"WithTooManyLostNumbers",
+                      "WITH RECURSIVE n(i) AS (SELECT 7 UNION ALL SELECT i + 2 FROM n LIMIT 200000) "
+                      "INSERT INTO lost SELECT i, i, 0 FROM n"},
+        Contradiction{"WithAnEmptyStatement",
+                      "PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = '' WHERE sql IS NULL"},
+        Contradiction{"WithFewerTables", "DROP TABLE lost"},
+        Contradiction{"WithoutTables", "DROP TABLE lost; DROP TABLE record; DROP TABLE logbook"},
+        Contradiction{"WithAnotherVersion", "PRAGMA user_version = 7"},
+        Contradiction{"WithAnotherApplication", "PRAGMA application_id = 7"},
+        Contradiction{"WithATableTooMany", "CREATE TABLE more (id INTEGER)"},
+        Contradiction{"WithATrigger",
+                      "CREATE TRIGGER evil BEFORE INSERT ON record BEGIN DELETE FROM "
+                      "record; END"},
+        Contradiction{"WithOtherColumns", "ALTER TABLE record RENAME COLUMN seconds TO minutes"}),
     [](const auto& contradiction) { return contradiction.param.name; });
 
 }  // namespace
