@@ -229,8 +229,9 @@ bool LogbookFile::grow() {
 }
 
 void LogbookFile::takeSpaceFor(std::int64_t capacity) {
-    if (spaceFor(capacity) > limitedTo) {
-        takeSpace(spaceFor(capacity));
+    const std::int64_t bytes = spaceFor(capacity);
+    if (bytes > limitedTo && bytes - limitedTo <= freeBytes(files.database)) {
+        takeSpace(bytes);
     }
 }
 

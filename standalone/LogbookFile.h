@@ -62,7 +62,7 @@ public:
     /// @throws Fault, when others write back all the time
     bool grow();
 
-    /// Has the disk keep what so many usual records need, as far as it can. Not within a transaction.
+    /// Has the disk keep what so many usual records need, if it has that. Not within a transaction.
     void takeSpaceFor(std::int64_t capacity);
 
     /// Writes as much of the log back as its readers allow, who are waited for, which makes room in the log.

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <array>
@@ -148,6 +149,15 @@ void syncFolders(const std::string& folder) {
     if (parent != folder && eaccess(parent.c_str(), R_OK) == 0) {
         syncFolders(parent);
     }
+}
+
+std::int64_t freeBytes(const std::string& file) {
+    struct statvfs disk {};
+
+    if (statvfs(file.c_str(), &disk) != 0) {
+        refuse(file, errno);
+    }
+    return static_cast<std::int64_t>(std::uint64_t{disk.f_bfree} * disk.f_frsize);
 }
 
 void removeFile(const std::string& file) {

@@ -57,6 +57,9 @@ void syncFolder(const std::string& folder);
 /// The same for those above it, too, as far as they may be read.
 void syncFolders(const std::string& folder);
 
+/// How much the disk that a file is on could take at most.
+std::int64_t freeBytes(const std::string& file);
+
 /// Removes a file, if there is one.
 void removeFile(const std::string& file);
 

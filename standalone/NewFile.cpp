@@ -116,6 +116,9 @@ void NewFile::finish() {
     made.write(versionsAt, "\2\2", 2);  // from now on with a write-ahead log
     const std::int64_t bytes = made.state().bytes;
     const std::int64_t space = std::max(bytes, spaceFor(head.capacity));
+    if (space - bytes > freeBytes(file)) {
+        refuse(file, ENOSPC);  // and nobody else's space is taken in trying
+    }
     if (!made.allot(space, true)) {
         fillWithZeros(made, bytes, space);
     }

@@ -244,7 +244,7 @@ struct SqliteDatabase::Session {
 };
 
 /// Sees to it that what the operation works on is open, and in place.
-void SqliteDatabase::guarded(Access access, const std::function<void()>& operation) {
+void SqliteDatabase::guarded(Access access, FunctionRef<void()> operation) {
     constexpr int mostTries = 5;
     const std::lock_guard lock(mutex);
     for (int tries = 1;; ++tries) {
@@ -456,7 +456,7 @@ void SqliteDatabase::followTo(Whose whose) {
 /// Makes a change in one transaction; where there is no space for it, again and again with more room.
 /// @param bytes of what is added
 /// @return whether it is made: not where the names stand for other files by now
-bool SqliteDatabase::changeWithRoom(std::size_t bytes, const Change& change) {
+bool SqliteDatabase::changeWithRoom(std::size_t bytes, Change change) {
     Room room{false, true, 2 * (1 + bytes / LogbookFile::growthBytes), 0};
     while (true) {
         try {
@@ -485,7 +485,7 @@ bool SqliteDatabase::changeWithRoom(std::size_t bytes, const Change& change) {
 }
 
 /// @param bytes of what is added
-void SqliteDatabase::commit(Whose whose, std::size_t bytes, const Change& change) {
+void SqliteDatabase::commit(Whose whose, std::size_t bytes, Change change) {
     std::optional<LogbookId> meant;
     guarded(Access::Writing, [&] {
         if (whose == Whose::OfThisLogbook && meant.value_or(session->id) != session->id) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FunctionRef.h"
 #include "LogbookFile.h"
 #include "LogbookFiles.h"
 #include "LostRanges.h"
@@ -9,7 +10,6 @@
 #include <lgb/IDatabase.h>
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -56,15 +56,15 @@ private:
     /// What is asked of an operation, beyond its name.
     enum class Access { Reading, Writing };
 
-    void guarded(Access access, const std::function<void()>& operation);
+    void guarded(Access access, FunctionRef<void()> operation);
 
     /// Whether a change is made in another logbook that has taken the place of this one.
     enum class Whose { OfThisLogbook, OfAnyLogbook };
 
-    using Change = std::function<void(const Numbers& numbers)>;
+    using Change = FunctionRef<void(const Numbers& numbers)>;
 
-    void commit(Whose whose, std::size_t bytes, const Change& change);
-    bool changeWithRoom(std::size_t bytes, const Change& change);
+    void commit(Whose whose, std::size_t bytes, Change change);
+    bool changeWithRoom(std::size_t bytes, Change change);
 
     /// What was done to find space for a change.
     struct Room {

@@ -112,7 +112,7 @@ bool ReadingConnection::isStillRight() const noexcept {
     }
 }
 
-void PatientReader::read(const std::function<void(ReadingConnection&)>& read) {
+void PatientReader::read(FunctionRef<void(ReadingConnection&)> read) {
     const Waiting waiting;
     bool isSecondLook = false;
     while (true) {

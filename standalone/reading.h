@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Connection.h"
+#include "FunctionRef.h"
 #include "LogbookFiles.h"
 #include "examine.h"
 #include "failures.h"
 
 #include <array>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -50,7 +50,7 @@ public:
 
     /// @param read is given a connection, and called again when others came in between
     /// @throws DatabaseError naming the file
-    void read(const std::function<void(ReadingConnection&)>& read);
+    void read(FunctionRef<void(ReadingConnection&)> read);
 
 private:
     bool looksAgain(Failure failure, bool& isSecondLook) const;

@@ -338,6 +338,17 @@ TEST_F(LogbookOnAFullDisk, IsRefusedWhenThereIsNoRoomForANewOne) {
     EXPECT_EQ(stored(), Texts{"a"});
 }
 
+TEST_F(LogbookOnAFullDisk, TakesNoneOfItForMoreRecordsThanItHasRoomFor) {
+    constexpr std::uint32_t beyondAll = 4000000000;
+    addNumbers(*open(), 1, 3);
+    const auto before = std::filesystem::space(folder.path()).available;
+    factory().resize("lgbTest", beyondAll);
+    EXPECT_EQ(stored(), countingDown(3, 1));
+    EXPECT_EQ(std::filesystem::space(folder.path()).available, before);
+    EXPECT_EQ(refusalOf([&] { factory().create("lgbOther", 0, beyondAll); }),
+              (Refusal{Failure::Full, (folder / "lgbOther.db-making").string() + ": No space left on device"}));
+}
+
 TEST_F(LogbookOnAFullDisk, IsOpenedThoughItsIndexWasCutShort) {
     addAndBeKilled(1, 3);
     std::filesystem::resize_file(index, 3);
