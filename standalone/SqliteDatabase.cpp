@@ -356,9 +356,12 @@ void SqliteDatabase::openForReading() {
 /// Sees to it that nothing is left of what happened to the logbook before.
 void SqliteDatabase::settle(LogFindings& log) {
     try {
-        takeOver(log);
+        if (leftId != session->id) {
+            leftRecords.clear();
+            leftId = session->id;
+        }
         const std::int64_t newestLeft = leftRecords.empty() ? 0 : leftRecords.back().number;
-        putBackWhatFits(std::max(newestLeft, log.newestKnown(session->id)));
+        putBackWhatFits(leftAndCutOff(log), std::max(newestLeft, log.newestKnown(session->id)));
     } catch (...) {
         session.reset();
         throw;
@@ -371,40 +374,44 @@ void SqliteDatabase::settle(LogFindings& log) {
     }
 }
 
-/// What was cut off in a log comes behind what a file that was left held.
-void SqliteDatabase::takeOver(LogFindings& log) {
-    if (leftId != session->id) {
-        leftRecords.clear();
-        leftId = session->id;
-    }
+/// What was cut off in a log comes behind what a file that was left held, of which a failure leaves it as it is.
+std::vector<FoundRecord> SqliteDatabase::leftAndCutOff(const LogFindings& log) const {
+    std::vector<FoundRecord> records = leftRecords;
     std::int64_t next = session->numbers().newest + 1;
-    for (FoundRecord& record : log.cutOff) {
-        if (record.number == next) {
-            leftRecords.push_back(std::move(record));
-            ++next;
+    for (const FoundRecord& record : log.cutOff) {
+        if (record.number != next) {
+            continue;
+        }
+        ++next;
+        const auto isSame = [&](const FoundRecord& left) {
+            return left.number == record.number && contentOf(left) == contentOf(record);
+        };
+        if (std::none_of(leftRecords.begin(), leftRecords.end(), isSame)) {
+            records.push_back(record);
         }
     }
+    return records;
 }
 
 /// Where the disk has room for nothing else, only the newest.
-void SqliteDatabase::putBackWhatFits(std::int64_t newestKnown) {
+void SqliteDatabase::putBackWhatFits(std::vector<FoundRecord> records, std::int64_t newestKnown) {
     while (true) {
         try {
-            putBack(newestKnown);
+            putBack(records, newestKnown);
             return;
         } catch (const SqliteError& exception) {
-            if (failureOf(exception) != Failure::Full || leftRecords.empty()) {
+            if (failureOf(exception) != Failure::Full || records.empty()) {
                 throw;
             }
         }
-        const auto half = static_cast<std::ptrdiff_t>((leftRecords.size() + 1) / 2);
-        leftRecords.erase(leftRecords.begin(), leftRecords.begin() + half);
+        const auto half = static_cast<std::ptrdiff_t>((records.size() + 1) / 2);
+        records.erase(records.begin(), records.begin() + half);
     }
 }
 
 /// What the file does not hold of these, unless it was cleared or dropped there.
-void SqliteDatabase::putBack(std::int64_t newestKnown) {
-    if (leftRecords.empty() && newestKnown <= session->numbers().newest) {
+void SqliteDatabase::putBack(const std::vector<FoundRecord>& records, std::int64_t newestKnown) {
+    if (records.empty() && newestKnown <= session->numbers().newest) {
         return;
     }
     std::vector<LostRange> added;
@@ -413,8 +420,8 @@ void SqliteDatabase::putBack(std::int64_t newestKnown) {
         added.clear();
         lost.clear();
         const LostRanges lostBefore = session->lost;
-        for (const std::size_t missing : session->missingOf(leftRecords)) {
-            const FoundRecord& record = leftRecords[missing];
+        for (const std::size_t missing : session->missingOf(records)) {
+            const FoundRecord& record = records[missing];
             if (record.number >= numbers.oldest || lostBefore.holds(record.number)) {
                 session->loseTo(record.number - 1, lost);
                 const std::int64_t number = session->numbers().newest + 1;

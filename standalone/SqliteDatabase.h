@@ -82,9 +82,9 @@ private:
     void open(Access access);
     void openForReading();
     void settle(LogFindings& log);
-    void takeOver(LogFindings& log);
-    void putBackWhatFits(std::int64_t newestKnown);
-    void putBack(std::int64_t newestKnown);
+    std::vector<FoundRecord> leftAndCutOff(const LogFindings& log) const;
+    void putBackWhatFits(std::vector<FoundRecord> records, std::int64_t newestKnown);
+    void putBack(const std::vector<FoundRecord>& records, std::int64_t newestKnown);
     void tellOf(const std::vector<LostRange>& added, const std::vector<LostRange>& lost) const;
     void tellOfFullDisk();
 
