@@ -32,9 +32,8 @@ enum class Capacity {
 /// processes may use the same folder; a lock is waited for up to 5 s.
 class TQZEL_STANDALONE_EXPORT SqliteDatabaseFactory : public lgb::DatabaseFactory {
 public:
-    /// @param logbooks the folder, made when missing, at the first `create`; a relative path is one from the current
-    /// folder
-    ///        at each operation
+    /// @param logbooks the folder, made when missing, at the first `create`; a relative path is looked for from the
+    /// current folder at each operation
     /// @param meaning of the capacity that is asked for
     explicit SqliteDatabaseFactory(std::filesystem::path logbooks, Capacity meaning = Capacity::AtLeast);
 
