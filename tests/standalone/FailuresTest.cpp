@@ -13,7 +13,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -83,17 +82,6 @@ TEST_F(LogbookFailure, IsForeignWhereItsFolderIsNone) {
               (Refusal{Failure::Foreign, (file / "folder").string() + ": can't make the folder: Not a directory"}));
 }
 
-TEST_F(LogbookFailure, IsOfMemoryWhenNoMoreFilesMayBeOpened) {
-    open();
-    rlimit usual{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
-    const rlimit none{3, usual.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const auto refused = refusal();
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
-    EXPECT_EQ(refused, (Refusal{Failure::Memory, file.string() + "-lock: Too many open files"}));
-}
-
 TEST_F(LogbookFailure, IsForeignWhenItIsOfASchemaThatNeverWas) {
     open();
     execute("PRAGMA user_version = 0; CREATE TABLE more (id INTEGER)");
@@ -106,11 +94,12 @@ TEST_F(LogbookFailure, IsForeignWhenItIsOfASchemaThatNeverWas) {
 /// While it lasts, one of the calls of a kind fails.
 class OneFailingCall {
 public:
-    OneFailingCall(support::FileCall kind, int which) {
+    OneFailingCall(support::FileCall kind, int which, int reason = EIO) {
         failing = kind;
         left = which;
+        error = reason;
         support::setFates(
-            [](support::FileCall call) { return support::Fate{call == failing && left-- == 0 ? EIO : 0}; });
+            [](support::FileCall call) { return support::Fate{call == failing && left-- == 0 ? error : 0}; });
     }
 
     OneFailingCall(const OneFailingCall&) = delete;
@@ -121,7 +110,14 @@ public:
 private:
     static inline support::FileCall failing;
     static inline int left = 0;
+    static inline int error = 0;
 };
+
+TEST_F(LogbookFailure, IsOfMemoryWhenNoMoreFilesMayBeOpened) {
+    open();
+    const OneFailingCall opening(support::FileCall::OpenToWrite, 0, EMFILE);
+    EXPECT_EQ(refusal(), (Refusal{Failure::Memory, file.string() + "-lock: Too many open files"}));
+}
 
 TEST_F(LogbookFailure, IsOfInputAndOutputWhenNothingTellsThatItHasALog) {
     add(*open(), "a");
