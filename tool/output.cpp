@@ -59,8 +59,8 @@ bool isLogbook(const fs::path& file) {
 /// Whether it is one of any logbook's files, wherever that is.
 bool isOfSomeLogbook(const std::string& file) {
     return std::any_of(ends.begin(), ends.end(), [&](const std::string& end) {
-        const std::size_t length = file.size() - std::min(file.size(), end.size());
-        return file.compare(length, std::string::npos, end) == 0 && isLogbook(file.substr(0, length));
+        const std::size_t behind = file.size() - std::min(file.size(), end.size());
+        return file.substr(behind) == end && isLogbook(file.substr(0, behind));
     });
 }
 

@@ -102,13 +102,13 @@ TEST_F(ZelLogbookOnSqlite, KeepsAnyBytesOfAFreeText) {
 }
 
 TEST_F(ZelLogbookOnSqlite, LogsATextThatIsNoEntryHarmlesslyAndInShort) {
-    const std::string stored = "\x1b]52;c;\x9b\u202e" + std::string(1000000, 'x') + '\0';
+    const std::string stored = "\x1b]52;c;\x9b\u202e\u202c" + std::string(1000000, 'x') + '\0';
     standalone::SqliteDatabaseFactory(folder.path()).addAll("lgbService", 0, {{{0, 0, ""}, stored}});
     restart();
     support::CapturedErrors errors;
     EXPECT_EQ(shown(device->service()), Texts{});
     const std::string line = errors.take();
-    EXPECT_THAT(line, testing::HasSubstr("stored logbook entry: \\x1b]52;c;\\x9b\\xe2\\x80\\xaexxx"));
+    EXPECT_THAT(line, testing::HasSubstr("stored logbook entry: \\x1b]52;c;\\x9b\\xe2\\x80\\xae\\xe2\\x80\\xacxxx"));
     EXPECT_THAT(line, testing::ContainsRegex("xxx[.][.][.] and 99[0-9]{4} more bytes [.][.][.]xxx"));
     EXPECT_THAT(line, testing::ContainsRegex("xxx\\\\x00 - error: not JSON: .*\n$"));
     EXPECT_LT(line.size(), 1200U);

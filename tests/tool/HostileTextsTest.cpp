@@ -134,7 +134,7 @@ protected:
 
     /// What a terminal shows of the tool's output and errors, which is harmless.
     std::string shown(const std::string& arguments, const std::string& environment = "PAGER=cat") const {
-        const std::string text = shownByTerminal(command(arguments, environment));
+        std::string text = shownByTerminal(command(arguments, environment));
         EXPECT_EQ(harmIn(text), "") << environment << ' ' << arguments;
         EXPECT_NE(text, "") << environment << ' ' << arguments;
         return text;
@@ -192,7 +192,7 @@ private:
 TEST_F(HostileTexts, DoNotReachATerminalFromAnyListing) {
     for (const std::string logbook : {"customer", "service"}) {
         for (const std::string format : {"table", "csv", "json", "jsonl"}) {
-            const std::string show = "show " + logbook + " --all --format " + format;
+            const std::string show = fmt::format("show {} --all --format {}", logbook, format);
             expectHarmless(show);
             expectHarmless(show + " --raw --color always");
         }

@@ -43,8 +43,8 @@ TEST(Terminal, IsToldOfEachCharacterWhatALogLineHolds) {
 }
 
 TEST(Terminal, EscapesWithinJsonWhatItEscapes) {
-    EXPECT_EQ(tool::printableJson("{\"\u009b\":\"\x7f\u202e\u061c\ufeff\u00e9\"}"),
-              R"({"\u009b":"\u007f\u202e\u061c\ufeff)"
+    EXPECT_EQ(tool::printableJson("{\"\u009b\":\"\x7f\u202e\u202c\u061c\ufeff\u00e9\"}"),
+              R"({"\u009b":"\u007f\u202e\u202c\u061c\ufeff)"
               "\u00e9\"}");
     EXPECT_EQ(tool::printableJson("[\"\xff\"]"), R"(["\ufffd"])");
 }
