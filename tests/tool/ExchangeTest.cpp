@@ -211,10 +211,10 @@ TEST_F(Exchange, LeavesAnOlderExportWhenThereIsNothingToExport) {
 }
 
 TEST_F(Exchange, LeavesAnOlderExportWhenThereIsNoRoomForANewOne) {
-    store("lgbCustomer", std::vector<lgb::DatabaseRecord>(1000, {minute(0), std::string(1000, 'x')}));
+    store("lgbCustomer", std::vector<lgb::DatabaseRecord>(1000, {minute(0), std::string(2000, 'x')}));
     const std::string file = elsewhere / "lines";
     support::write(file, line);
-    const std::string onSmallDisk = "ulimit -f 500; trap '' XFSZ; ";  // 500 KB at most, by the shell
+    const std::string onSmallDisk = "ulimit -f 1500; trap '' XFSZ; ";  // 750 KB or twice that, by the shell
     EXPECT_EQ(error(support::run(onSmallDisk + command("export customer --output " + file)), 1),
               "tqzel-logbook: " + file + ": can't be written: File too large\n");
     EXPECT_EQ(support::contentOf(file), line);

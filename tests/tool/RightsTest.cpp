@@ -182,7 +182,7 @@ TEST_F(OutputToSomebody, GivesNoMoreRightsThanToANewFileWhereItsOwnerCanNotStay)
     const support::Outcome outcome =
         support::run("umask 027; setpriv --reuid=65533 --regid=65533 --clear-groups env " +
                      command("export service --output " + (folder / "lgbService.jsonl").string()));
-    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(stateOf(folder / "lgbService.jsonl").st_uid, somebody);
     EXPECT_EQ(stateOf(folder / "lgbService.jsonl").st_mode & 0777, 0640U);
 }
