@@ -173,7 +173,8 @@ void writeHead(Connection& connection, const LogbookHead& head) {
 
 bool isWithoutLog(Connection& connection) {
     const Header header = headerOf(connection);
-    return header[versionsAt] == 1 && header[versionsAt + 1] == 1;
+    const bool isHalfChanged = header[versionsAt] == 2;  // by somebody who was killed
+    return (isHalfChanged || header[versionsAt] == 1) && header[versionsAt + 1] == 1;
 }
 
 void requireHeader(Connection& connection) {

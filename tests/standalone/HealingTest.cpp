@@ -509,6 +509,18 @@ TEST_F(DamagedLogbook, SaysNothingElseInItsHeader) {
     EXPECT_EQ(stored(), textsDown(3, 1));
 }
 
+TEST_F(DamagedLogbook, IsNoneWhenAKillCutTheChangeToALogShort) {
+    addTexts(*open(), 1, 3);
+    std::string content = support::contentOf(file);
+    content[18] = '\2';
+    content[19] = '\1';
+    support::write(file, content);
+    std::filesystem::remove(log);
+    open();
+    EXPECT_FALSE(std::filesystem::exists(aside(1)));
+    EXPECT_EQ(stored(), textsDown(3, 1));
+}
+
 TEST_F(DamagedLogbook, HoldsTextsInUtf8Only) {
     addTexts(*open(), 1, 3);
     {
