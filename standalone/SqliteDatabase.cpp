@@ -90,18 +90,24 @@ struct SqliteDatabase::Session {
           lost(found.lost),
           transactions(connection, TransactionStatements::writing),
           selectPage(connection, schema::selectRecords(schema::onPage)),
+          selectNewest(connection, schema::selectNewest),
           selectBounds(connection, schema::selectBounds),
           insertRecord(connection, schema::insertRecord),
           deleteOldest(connection, schema::deleteOldest) {}
 
     bool isInPlace() const noexcept { return file ? file->isInPlace() : reading->isStillRight(); }
 
+    /// Others may have given up numbers.
+    void learnLost(std::int64_t newestRange) {
+        if (newestRange != (lost.all().empty() ? 0 : lost.all().back().first)) {
+            lost = lostOf(connection);
+        }
+    }
+
     Numbers numbers() {
         const Use use(selectBounds);
         selectBounds.step();
-        if (selectBounds.number(4) != (lost.all().empty() ? 0 : lost.all().back().first)) {
-            lost = lostOf(connection);  // others may have given up numbers
-        }
+        learnLost(selectBounds.number(4));
         const bool isEmpty = selectBounds.isNull(1);
         const std::int64_t last = selectBounds.number(isEmpty ? 2 : 1);
         return {isEmpty ? last + 1 : selectBounds.number(0), last, lost.newest(last), selectBounds.number(3)};
@@ -117,7 +123,10 @@ struct SqliteDatabase::Session {
         if (records == 0) {
             return 0;
         }
-        const std::int64_t newest = numbers().newestRecord;
+        const Use use(selectNewest);
+        selectNewest.step();
+        learnLost(selectNewest.number(1));
+        const std::int64_t newest = selectNewest.number(0);
         return newest - lost.before(newest, records);
     }
 
@@ -238,6 +247,7 @@ struct SqliteDatabase::Session {
     LostRanges lost;
     TransactionStatements transactions;
     Statement selectPage;
+    Statement selectNewest;
     Statement selectBounds;
     Statement insertRecord;
     Statement deleteOldest;

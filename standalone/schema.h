@@ -61,6 +61,9 @@ inline std::string selectRecords(const char* condition, const char* furtherColum
 /// The condition for a page, newest first: numbers to skip, most records.
 inline constexpr const char* onPage = "number <= (SELECT max(number) FROM record) - ? ORDER BY number DESC LIMIT ?";
 
+/// The newest record and the newest lost range.
+inline constexpr const char* selectNewest = "SELECT (SELECT max(number) FROM record), (SELECT max(first) FROM lost)";
+
 /// The oldest and the newest record, null when there is none, up to which number was cleared, the capacity, the newest
 /// lost range.
 inline constexpr const char* selectBounds =
