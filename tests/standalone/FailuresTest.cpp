@@ -229,6 +229,15 @@ TEST_F(RightsToALogbook, AreNeededToReadIt) {
     EXPECT_EQ(refusalOf([&] { LogbookReader reader(file); }), denied);
 }
 
+TEST_F(RightsToALogbook, AreNeededToListItsFolder) {
+    chmod(folder.path().c_str(), 0333);
+    {
+        const WithoutRights nobody;
+        EXPECT_EQ(refusal(), (Refusal{Failure::Denied, folder.path().string() + ": Permission denied"}));
+    }
+    chmod(folder.path().c_str(), 0777);
+}
+
 /// A file system of its own, which can be made read-only: needs the right to mount.
 class LogbookOnItsOwnMedium : public SqliteLogbook {
 protected:

@@ -304,6 +304,7 @@ TEST_F(LogbookOfTwoProcesses, GetsARecordBackThatWasLostInHealing) {
 TEST_F(LogbookInUse, GivesOutNoNumberThatWasGivenUpMeanwhile) {
     execute("INSERT INTO lost VALUES (11, 20, 0)");
     EXPECT_EQ(database->count(), 10U);
+    EXPECT_EQ(database->fetch(1, 1).at(0).json, "9");
     add(*database, "21");
     EXPECT_EQ(LogbookReader(file).after(10, 1)[0].number, 21);
     EXPECT_EQ(toldBy([this] { textsIn(*open()); }), "");
