@@ -17,6 +17,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <set>
 
@@ -360,6 +361,30 @@ TEST_F(LogbookOnAFullDisk, IsOpenedThoughItsIndexWasCutShort) {
     fill();
     EXPECT_EQ(refusal(), std::nullopt);
     EXPECT_EQ(stored(), countingDown(3, 1));
+}
+
+TEST_F(LogbookOnAFullDisk, PutsBackTheNewestThatItHasRoomFor) {
+    const auto database = open();
+    addNumbers(*database, 1, 5);
+    const std::string older = support::contentOf(file);
+    const std::string large(4000, 'x');
+    for (int number = 1; number <= 200; ++number) {
+        add(*database, large + std::to_string(number));
+    }
+    for (const auto& each : {file, log, index}) {
+        std::filesystem::remove(each);
+    }
+    support::write(file, older);
+    fill();
+    const auto refused = refusalOf([&] { add(*database, "the next"); });
+    if (refused) {
+        EXPECT_EQ(refused->first, Failure::Full);
+        free();
+        add(*database, "the next");
+    }
+    const Texts all = stored();
+    EXPECT_EQ(all.front(), "the next");
+    EXPECT_NE(std::find(all.begin(), all.end(), large + "200"), all.end());
 }
 
 TEST_F(LogbookOnAFullDisk, LeavesWhatIsDamagedOutWhereThereIsNoRoomForHealing) {

@@ -7,6 +7,8 @@
 
 #include <standalone/LogbookReader.h>
 
+#include <sqlite3.h>
+
 #include <sys/wait.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -14,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <functional>
 
 namespace {
 
@@ -107,6 +110,46 @@ TEST_F(LogbookInUse, KeepsWhatItHasBeyondAnOlderCopyThatIsPutBack) {
     std::filesystem::copy_file(backup / "lgbTest.db", file);
     add(*database, "21");
     EXPECT_EQ(stored(), countingDown(21, 1));
+}
+
+TEST_F(LogbookInUse, GoesOnWheneverItsFilesAreDeletedOnceMore) {
+    const std::string older = support::contentOf(file);
+    static int callsBefore = 0;
+    static std::function<void()> happens;
+    happens = [this] { removeFiles(); };
+    for (int moment = 0; moment < 60; ++moment) {
+        const std::string text = "at moment " + std::to_string(moment);
+        removeFiles();
+        support::write(file, older);
+        callsBefore = moment;
+        support::setFates([](FileCall call) {
+            if (call == FileCall::Status && callsBefore-- == 0) {
+                happens();
+            }
+            return support::Fate();
+        });
+        const auto refused = refusalOf([&] { add(*database, text); });
+        support::setFates(nullptr);
+        if (refused) {  // while it was being opened by this process
+            EXPECT_THAT(refused->first, testing::AnyOf(Failure::Busy, Failure::Missing)) << refused->second;
+            add(*database, text);
+        }
+        EXPECT_EQ(textsIn(*database).front(), text);
+    }
+}
+
+TEST_F(LogbookInUse, IsOfMemoryWhenItHasNoneToKeepItsRecordsAndKeepsThem) {
+    const std::string older = support::contentOf(file);
+    addNumbers(*database, 11, 12);
+    removeFiles();
+    support::write(file, older);
+    sqlite3_hard_heap_limit64(1);
+    const auto refused = refusalOf([this] { add(*database, "13"); });
+    sqlite3_hard_heap_limit64(0);
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->first, Failure::Memory);
+    add(*database, "13");
+    EXPECT_EQ(stored(), countingDown(13, 1));
 }
 
 TEST_F(LogbookInUse, IsRefusedWhileItsProcessStillUsesWhatIsGone) {
