@@ -6,16 +6,15 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -76,11 +75,9 @@ LogbookFiles::LogbookFiles(std::string path)
       healed(database + "-healed") {}
 
 std::string pathForSqlite(const std::string& file) {
-    const std::unique_ptr<char, void (*)(void*)> folder(realpath(folderOf(file).c_str(), nullptr), std::free);
-    if (!folder) {
-        refuse(file, errno);
-    }
-    return std::string(folder.get()) + '/' + file.substr(file.rfind('/') + 1);
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::canonical(folderOf(file), error);
+    return error ? file : folder.string() + '/' + file.substr(file.rfind('/') + 1);
 }
 
 std::optional<FileState> stateOf(const std::string& file) {
@@ -152,12 +149,8 @@ void syncFolders(const std::string& folder) {
 }
 
 std::int64_t freeBytes(const std::string& file) {
-    struct statvfs disk {};
-
-    if (statvfs(file.c_str(), &disk) != 0) {
-        refuse(file, errno);
-    }
-    return static_cast<std::int64_t>(std::uint64_t{disk.f_bfree} * disk.f_frsize);
+    std::error_code unknown;  // then it is as if there were no end
+    return static_cast<std::int64_t>(std::min<std::uintmax_t>(std::filesystem::space(file, unknown).free, INT64_MAX));
 }
 
 void removeFile(const std::string& file) {

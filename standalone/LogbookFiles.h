@@ -24,7 +24,6 @@ struct LogbookFiles {
 };
 
 /// The same file by a path without links to folders, none of which SQLite would follow; a URI it can't be.
-/// @throws DatabaseError, when there is no such folder
 std::string pathForSqlite(const std::string& file);
 
 /// What tells a file from another that has got its name, and how long it is.
