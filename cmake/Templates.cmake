@@ -6,26 +6,15 @@ foreach(template IN LISTS templates)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
 endforeach()
 
-# What the digits stand for in base64, for a number of bytes that leaves two over when it is divided by three.
-function(base64_of_hex hex result)
-  set(letters ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/)
-  string(REGEX MATCHALL "......" groups "${hex}00")
-  set(text "")
-  foreach(group IN LISTS groups)
-    foreach(shift 18 12 6 0)
-      math(EXPR index "0x${group} >> ${shift} & 63")
-      string(SUBSTRING ${letters} ${index} 1 letter)
-      string(APPEND text ${letter})
-    endforeach()
-  endforeach()
-  string(REGEX REPLACE ".$" "=" text ${text})
-  set(${result} ${text} PARENT_SCOPE)
-endfunction()
-
 # The page's policy lets a browser run its one script by what that is, so that no text in it can bring another.
 string(REGEX REPLACE "^.*<script>(.*)</script>.*$" "\\1" script "${report}")
 string(SHA256 digest "${script}")
-base64_of_hex(${digest} scriptHash)
+string(TOUPPER ${digest} digest)
+execute_process(
+  COMMAND ${CMAKE_COMMAND} -E echo_append ${digest}
+  COMMAND basenc --base16 --decode
+  COMMAND base64
+  OUTPUT_VARIABLE scriptHash OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 string(CONFIGURE "${report}" report @ONLY)
 configure_file(${PROJECT_SOURCE_DIR}/tool/reportTemplates.h.in ${CMAKE_CURRENT_BINARY_DIR}/templates/reportTemplates.h @ONLY)
 

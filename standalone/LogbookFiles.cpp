@@ -75,9 +75,10 @@ LogbookFiles::LogbookFiles(std::string path)
       healed(database + "-healed") {}
 
 std::string pathForSqlite(const std::string& file) {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::canonical(folderOf(file), error);
-    return error ? file : folder.string() + '/' + file.substr(file.rfind('/') + 1);
+    const std::filesystem::path folder = folderOf(file);
+    std::error_code error;  // which SQLite meets, too
+    const std::filesystem::path found = std::filesystem::canonical(folder, error);
+    return (error ? folder : found) / std::filesystem::path(file).filename();
 }
 
 std::optional<FileState> stateOf(const std::string& file) {

@@ -142,7 +142,7 @@ void RecordScan::lookForRecord(std::string_view page, std::size_t at, const cell
         return;
     }
     for (const Version chain : {Version::AsItWasThen, Version::Latest}) {
-        if (linksFollowed > mostLinksPerPage * pages.allBytes() / pages.pageBytes()) {
+        if (linksFollowed > mostLinksPerPage * (pages.allBytes() / pages.pageBytes())) {
             return;  // made to be searched for ever
         }
         const auto payload = payloadOf(pages, page, cell, image, chain, [this](const PageImage&) { ++linksFollowed; });

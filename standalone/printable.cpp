@@ -1,9 +1,7 @@
 #include "printable.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 
 namespace standalone {
 
@@ -16,21 +14,6 @@ struct Character {
 };
 
 constexpr Character strayByte{1, false};
-
-struct Range {
-    std::uint32_t first;
-    std::uint32_t last;
-};
-
-// What is no character; what steers a terminal; what has no width or turns the direction of writing; what ends a line.
-constexpr Range harmful[] = {{0, 0x1f},        {0x7f, 0x9f},     {0x61c, 0x61c},
-                             {0x200b, 0x200f}, {0x2028, 0x202e}, {0x2060, 0x206f},
-                             {0xd800, 0xdfff}, {0xfeff, 0xfeff}, {0x110000, UINT32_MAX}};
-
-bool isHarmless(std::uint32_t code) {
-    return std::none_of(std::begin(harmful), std::end(harmful),
-                        [&](const Range& range) { return code >= range.first && code <= range.last; });
-}
 
 bool continues(char byte) {
     return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80;

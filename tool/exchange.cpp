@@ -113,9 +113,9 @@ void importFrom(std::istream& stream, const std::string& file, const Selection& 
 
 void exportFile(const Selection& selection, const std::string& file) {
     standalone::LogbookReader reader(fileOf(selection));
-    const bool seen = isSeen(file);
     std::int64_t damaged = 0;
-    writeOutput(selection, file, [&](std::ostream& stream) { damaged = exportTo(stream, seen, reader); });
+    writeOutput(selection, file,
+                [&](std::ostream& stream, bool isSeen) { damaged = exportTo(stream, isSeen, reader); });
     if (damaged > 0 && std::cout) {
         throw std::runtime_error(fmt::format("{}: {} damaged {} left out; all others were exported",
                                              fileOf(selection).string(), damaged,

@@ -3,9 +3,6 @@
 #include "rights.h"
 #include "terminal.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -78,21 +75,9 @@ void refuseLogbook(const Selection& selection, const std::string& file) {
 
 }  // namespace
 
-bool isSeen(const std::string& file) {
-    const CallersRights callers;
-    std::error_code none;
-    if (file.empty() || !fs::is_character_file(file, none)) {
-        return file.empty() && isTerminal();
-    }
-    const int descriptor = ::open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
-    const bool found = isatty(descriptor) == 1;
-    ::close(descriptor);
-    return found;
-}
-
 void writeOutput(const Selection& selection, const std::string& file, const Writer& write) {
     if (file.empty()) {
-        write(std::cout);
+        write(std::cout, isTerminal());
         return;
     }
     refuseLogbook(selection, file);

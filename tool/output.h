@@ -7,9 +7,6 @@
 
 namespace tool {
 
-/// Whether what is written to a file, or to standard output when its name is empty, is seen on a terminal.
-bool isSeen(const std::string& file);
-
 /// Lets a file be written as writeFile does, or standard output when its name is empty.
 /// @throws CLI::ValidationError for a file of the logbooks themselves, be they made or not
 /// @throws std::runtime_error naming the file and the reason when it can't be written

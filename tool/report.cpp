@@ -361,7 +361,7 @@ void report(const Selection& selection, const std::string& file, const std::stri
     }
     const mustache::data page = pageOf(logbooks, folder, title);
     writeOutput(selection, file,
-                [&](std::ostream& stream) { mustache::mustache(templates::report).render(page, stream); });
+                [&](std::ostream& stream, bool) { mustache::mustache(templates::report).render(page, stream); });
     if (!faults.empty()) {
         throw std::runtime_error(faults + "; the report tells all that could be read");
     }

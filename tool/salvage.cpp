@@ -65,11 +65,10 @@ void salvage(const Selection& selection, const Search& search) {
             file.has_parent_path() ? rights.folder() / file.filename() : file,
             [&](std::int64_t done, std::int64_t all) { progress.advanceTo(done, all); });
     }();
-    const bool seen = isSeen(search.output);
-    writeOutput(selection, search.output, [&](std::ostream& stream) {
+    writeOutput(selection, search.output, [&](std::ostream& stream, bool isSeen) {
         for (const std::int64_t number : wantedOf(*found, search.all)) {
             if (const auto record = found->record(number)) {
-                writeExportLine(stream, seen, *record);
+                writeExportLine(stream, isSeen, *record);
             }
         }
     });

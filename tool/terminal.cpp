@@ -1,12 +1,14 @@
 #include "terminal.h"
 
+#include <standalone/printable.h>
+
 #include <fmt/format.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <utf8proc.h>
 
-#include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <iterator>
@@ -48,19 +50,8 @@ void forEachCharacter(std::string_view text, Consume consume) {
     }
 }
 
-struct Range {
-    utf8proc_int32_t first;
-    utf8proc_int32_t last;
-};
-
-// What has no width or turns the direction of writing, line and paragraph separators; as in the platform's log lines.
-constexpr Range disturbing[] = {
-    {0x061c, 0x061c}, {0x200b, 0x200f}, {0x2028, 0x202e}, {0x2060, 0x206f}, {0xfeff, 0xfeff}};
-
-bool isControl(const Character& character) {
-    const auto isIn = [&](const Range& range) { return character.code >= range.first && character.code <= range.last; };
-    return character.code < 0 || utf8proc_category(character.code) == UTF8PROC_CATEGORY_CC ||
-           std::any_of(std::begin(disturbing), std::end(disturbing), isIn);
+bool isShownAsItIs(const Character& character) {
+    return standalone::isHarmless(static_cast<std::uint32_t>(character.code));
 }
 
 std::size_t widthOf(const Character& character) {
@@ -101,7 +92,7 @@ std::string printable(std::string_view text) {
     std::string shown;
     shown.reserve(text.size());
     forEachCharacter(text, [&](const Character& character) {
-        if (!isControl(character)) {
+        if (isShownAsItIs(character)) {
             shown += character.bytes;
             return;
         }
@@ -117,10 +108,10 @@ std::string printableJson(std::string_view json) {
     shown.reserve(json.size());
     forEachCharacter(json, [&](const Character& character) {
         constexpr utf8proc_int32_t replacement = 0xfffd;
-        if (isControl(character)) {
-            fmt::format_to(std::back_inserter(shown), "\\u{:04x}", character.code < 0 ? replacement : character.code);
-        } else {
+        if (isShownAsItIs(character)) {
             shown += character.bytes;
+        } else {
+            fmt::format_to(std::back_inserter(shown), "\\u{:04x}", character.code < 0 ? replacement : character.code);
         }
     });
     return shown;

@@ -124,7 +124,7 @@ void writeThrough(int descriptor, const Writer& write) {
     __gnu_cxx::stdio_filebuf<char> buffer(own, std::ios::out | std::ios::binary);  // which closes it
     std::ostream stream(&buffer);
     errno = 0;
-    write(stream);
+    write(stream, isatty(own) == 1);
     require(stream.flush() && buffer.close() != nullptr);
 }
 
@@ -158,7 +158,7 @@ mode_t ofNewFile() {
 /// A file beside the one that it is to replace, with a name that nobody else has.
 class Part {
 public:
-    explicit Part(const Place& replaced) : place(replaced), name(newName()), file(made()) {
+    explicit Part(const Place& replaced) : place(replaced), file(made()) {
         folderOfPart = place.folder;
         nameOfPart = name.c_str();
         onEnd(removePart);
@@ -168,10 +168,10 @@ public:
     Part& operator=(const Part&) = delete;
 
     ~Part() {
-        onEnd(SIG_DFL);
-        nameOfPart = nullptr;
         const CallersRights callers;
         unlinkat(place.folder, name.c_str(), 0);  // nothing, once it has replaced the other
+        nameOfPart = nullptr;
+        onEnd(SIG_DFL);
     }
 
     int descriptor() const { return file; }
@@ -183,16 +183,13 @@ public:
     }
 
 private:
-    std::string newName() const {
-        constexpr std::uint32_t names = 1000000;
-        return place.name + '.' + std::to_string(std::random_device()() % names);
-    }
-
     Descriptor made() {
         constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-        int opened = openat(place.folder, name.c_str(), flags, 0600);
-        for (int tries = 1; opened < 0 && errno == EEXIST && tries < 100; ++tries) {
-            name = newName();
+        constexpr int mostTries = 100;
+        constexpr std::uint32_t names = 1000000;
+        int opened = -1;
+        for (int tries = 0; tries == 0 || (opened < 0 && errno == EEXIST && tries < mostTries); ++tries) {
+            name = place.name + '.' + std::to_string(std::random_device()() % names);
             opened = openat(place.folder, name.c_str(), flags, 0600);
         }
         return Descriptor(opened);

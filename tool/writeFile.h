@@ -6,7 +6,8 @@
 
 namespace tool {
 
-using Writer = std::function<void(std::ostream&)>;
+/// Writes to a stream; is told whether that is seen on a terminal.
+using Writer = std::function<void(std::ostream&, bool isSeen)>;
 
 /// Lets a file be written anew, with the rights of the caller. What stood in it before stays until all of the new is
 /// safe on the disk. Its owner and permissions stay as they are, but never setuid and the like; where the owner can't

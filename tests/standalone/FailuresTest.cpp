@@ -14,7 +14,6 @@
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -287,11 +286,7 @@ TEST_F(LogbookOnItsOwnMedium, RefusesToAddUntilItCanBeWrittenAgain) {
 }
 
 TEST_F(LogbookOnItsOwnMedium, ShowsWhatAKilledWriterLeft) {
-    if (fork() == 0) {
-        addNumbers(*open().release(), 1, 10);
-        _exit(0);
-    }
-    ASSERT_NE(wait(nullptr), -1);
+    addNumbersAndBeKilled(1, 10);
     makeReadOnly(true);
     EXPECT_EQ(textsIn(*open()), countingDown(10, 1));
 }
@@ -324,15 +319,6 @@ protected:
 
     void free() const { std::filesystem::remove(filler); }
 
-    /// As a writer leaves it that is killed.
-    void addAndBeKilled(int first, int last) const {
-        const pid_t writer = support::startChild([&] {
-            addNumbers(*open().release(), first, last);
-            _exit(0);
-        });
-        EXPECT_EQ(support::endOf(writer), 0);
-    }
-
     const std::filesystem::path filler = folder / "filler";
 };
 
@@ -356,7 +342,7 @@ TEST_F(LogbookOnAFullDisk, TakesNoneOfItForMoreRecordsThanItHasRoomFor) {
 }
 
 TEST_F(LogbookOnAFullDisk, IsOpenedThoughItsIndexWasCutShort) {
-    addAndBeKilled(1, 3);
+    addNumbersAndBeKilled(1, 3);
     std::filesystem::resize_file(index, 3);
     fill();
     EXPECT_EQ(refusal(), std::nullopt);
@@ -405,7 +391,7 @@ TEST_F(LogbookOnAFullDisk, LeavesWhatIsDamagedOutWhereThereIsNoRoomForHealing) {
 }
 
 TEST_F(LogbookOnAFullDisk, IsNotMadeAnewAtTheCostOfALogThatWasLeft) {
-    addAndBeKilled(1, 3);
+    addNumbersAndBeKilled(1, 3);
     const std::string left = support::contentOf(log);
     for (const auto& each : {file, index, folder / "lgbTest.db-lock"}) {
         std::filesystem::remove(each);

@@ -9,7 +9,6 @@
 
 #include <sqlite3.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 #include <zlib.h>
 
@@ -110,32 +109,6 @@ TEST_F(LogbookInUse, KeepsWhatItHasBeyondAnOlderCopyThatIsPutBack) {
     std::filesystem::copy_file(backup / "lgbTest.db", file);
     add(*database, "21");
     EXPECT_EQ(stored(), countingDown(21, 1));
-}
-
-TEST_F(LogbookInUse, GoesOnWheneverItsFilesAreDeletedOnceMore) {
-    const std::string older = support::contentOf(file);
-    static int callsBefore = 0;
-    static std::function<void()> happens;
-    happens = [this] { removeFiles(); };
-    for (int moment = 0; moment < 60; ++moment) {
-        const std::string text = "at moment " + std::to_string(moment);
-        removeFiles();
-        support::write(file, older);
-        callsBefore = moment;
-        support::setFates([](FileCall call) {
-            if (call == FileCall::Status && callsBefore-- == 0) {
-                happens();
-            }
-            return support::Fate();
-        });
-        const auto refused = refusalOf([&] { add(*database, text); });
-        support::setFates(nullptr);
-        if (refused) {  // while it was being opened by this process
-            EXPECT_THAT(refused->first, testing::AnyOf(Failure::Busy, Failure::Missing)) << refused->second;
-            add(*database, text);
-        }
-        EXPECT_EQ(textsIn(*database).front(), text);
-    }
 }
 
 TEST_F(LogbookInUse, IsOfMemoryWhenItHasNoneToKeepItsRecordsAndKeepsThem) {
@@ -344,6 +317,87 @@ TEST_F(LogbookOfTwoProcesses, GetsARecordBackThatWasLostInHealing) {
     EXPECT_EQ(stored(), (Texts{"the fourth", "the second", "the third", "the first"}));
 }
 
+TEST_F(LogbookOfTwoProcesses, GetsItsOldestRecordBackThatWasLostInHealing) {
+    const AnotherProcess other([this] {
+        std::filesystem::remove(index);
+        spoil("the first");
+        EXPECT_EQ(textsIn(*open()), Texts{"the second"});
+    });
+    const auto database = open();
+    add(*database, "the first");
+    add(*database, "the second");
+    other.act();
+    add(*database, "the third");
+    EXPECT_EQ(stored(), (Texts{"the third", "the first", "the second"}));
+}
+
+/// It is in use when a copy takes its place.
+class LogbookReplacedInUse : public SqliteLogbook {
+protected:
+    void replaceBy(const std::string& database, const std::string& itsLog) const {
+        removeFiles();
+        support::write(file, database);
+        if (!itsLog.empty()) {
+            support::write(log, itsLog);
+        }
+    }
+
+    /// A log whose last transaction counts as not committed, as after a loss of power.
+    static std::string torn(std::string log) {
+        constexpr std::size_t frameBytes = 24 + 1024;
+        constexpr std::size_t sumAt = 16;
+        char& sum = log.at(log.size() - frameBytes + sumAt);
+        sum = static_cast<char>(sum ^ 1);
+        return log;
+    }
+};
+
+TEST_F(LogbookReplacedInUse, GoesOnWheneverTheCopyIsDeletedToo) {
+    for (int moment = 0; moment < 60; ++moment) {
+        removeFiles();
+        const auto database = open();
+        addNumbers(*database, 1, 2);
+        const std::string older = support::contentOf(file);
+        addNumbers(*database, 3, 4);
+        replaceBy(older, "");
+        const auto refused = [&] {
+            const Meanwhile another(
+                FileCall::Status, 1, [this] { removeFiles(); }, moment);
+            return refusalOf([&] { add(*database, "5"); });
+        }();
+        if (refused) {  // while it was being opened by this process
+            EXPECT_THAT(refused->first, testing::AnyOf(Failure::Busy, Failure::Missing)) << refused->second;
+            add(*database, "5");
+        }
+        EXPECT_EQ(textsIn(*database).front(), "5");
+    }
+}
+
+TEST_F(LogbookReplacedInUse, KeepsARecordOnceThatIsCutOffInTheCopy) {
+    const auto database = open();
+    addNumbers(*database, 1, 3);
+    replaceBy(support::contentOf(file), torn(support::contentOf(log)));
+    EXPECT_THAT(toldBy([&] { add(*database, "4"); }), HasSubstr(": put back: 3\n"));
+    EXPECT_EQ(stored(), countingDown(4, 1));
+}
+
+TEST_F(LogbookReplacedInUse, KeepsBothItsOwnRecordAndTheOneThatIsCutOffInTheCopy) {
+    const support::TemporaryFolder elsewhere;
+    const auto copy = elsewhere / "lgbTest.db";
+    const auto copiedLog = elsewhere / "lgbTest.db-wal";
+    const auto database = open();
+    addNumbers(*database, 1, 2);
+    std::filesystem::copy_file(file, copy);
+    std::filesystem::copy_file(log, copiedLog);
+    doAndBeKilled([&] {
+        add(*standalone::SqliteDatabaseFactory(elsewhere.path()).create("lgbTest", 0, 0).release(), "of the copy");
+    });
+    add(*database, "3");
+    replaceBy(support::contentOf(copy), torn(support::contentOf(copiedLog)));
+    add(*database, "4");
+    EXPECT_EQ(stored(), (Texts{"4", "of the copy", "3", "2", "1"}));
+}
+
 TEST_F(LogbookInUse, GivesOutNoNumberThatWasGivenUpMeanwhile) {
     execute("INSERT INTO lost VALUES (11, 20, 0)");
     EXPECT_EQ(database->count(), 10U);
@@ -427,12 +481,7 @@ TEST_F(ClosedLogbook, TellsThatItsLogIsMissing) {
 }
 
 TEST_F(ClosedLogbook, TellsThatItsLogWasDeletedWhenItWasNotClosed) {
-    const pid_t writer = fork();
-    if (writer == 0) {
-        addNumbers(*open().release(), 1, 10);
-        _exit(0);
-    }
-    waitpid(writer, nullptr, 0);
+    addNumbersAndBeKilled(1, 10);
     std::filesystem::remove(log);
     EXPECT_THAT(toldBy([this] { open(); }),
                 HasSubstr("error libTqZelPlatform: " + log.string() +
@@ -452,12 +501,7 @@ TEST_F(ClosedLogbook, SaysNothingWhenNothingHappened) {
 }
 
 TEST_F(ClosedLogbook, IsMadeAnewBesideALogThatHoldsSomething) {
-    const pid_t writer = fork();
-    if (writer == 0) {
-        addNumbers(*open().release(), 1, 10);
-        _exit(0);
-    }
-    waitpid(writer, nullptr, 0);
+    addNumbersAndBeKilled(1, 10);
     std::filesystem::remove(file);
     EXPECT_THAT(toldBy([this] { open(); }),
                 HasSubstr("error libTqZelPlatform: " + log.string() + ": is the log of another logbook, and kept as " +

@@ -11,7 +11,6 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -46,6 +45,12 @@ protected:
         support::write(file, content);
     }
 
+    /// What the logbook says of itself: its table and that table's index.
+    void forgetHead() const {
+        overwritePage(2, 0);
+        overwritePage(3, 0);
+    }
+
     /// Records with the texts "record 1 of the logbook" and so on.
     static void addTexts(lgb::IDatabase& database, int first, int last) {
         for (int number = first; number <= last; ++number) {
@@ -63,15 +68,8 @@ protected:
         return texts;
     }
 
-    /// As a writer leaves it that is killed.
     void addAndBeKilled(int first, int last) const {
-        const pid_t writer = fork();
-        if (writer == 0) {
-            const auto database = open();
-            addTexts(*database, first, last);
-            _exit(0);
-        }
-        waitpid(writer, nullptr, 0);
+        doAndBeKilled([&] { addTexts(*open().release(), first, last); });
     }
 
     std::vector<Range> lost() const { return rangesOf(LogbookReader(file).description().lost); }
@@ -579,6 +577,8 @@ INSTANTIATE_TEST_SUITE_P(SqliteDatabase, ChangedRecord,
                          testing::Values(Change{"InItsSeconds", "seconds = 1"},
                                          Change{"InItsNanoseconds", "nanoseconds = 1"},
                                          Change{"InItsTime", "time = 'x'"}, Change{"InItsText", "json = '3'"},
+                                         Change{"InItsNumberBelowAll", "number = -1"},
+                                         Change{"InItsNumberBeyondAll", "number = 1 << 62"},
                                          Change{"InABitMovedBetweenTexts", "time = json, json = ''"},
                                          Change{"InItsChecksum", "checksum = checksum + 1"}),
                          [](const auto& change) { return change.param.name; });
@@ -638,10 +638,31 @@ TEST_F(DamagedLogbook, IsSetAsideBesideFilesOfOthersWithSuchNames) {
     EXPECT_TRUE(std::filesystem::exists(aside(1)));
 }
 
+TEST_F(DamagedLogbook, KeepsItsRecordsWhenNothingTellsItsId) {
+    for (const int records : {0, 1, 3}) {
+        removeFiles();
+        addTexts(*open(), 1, records);
+        forgetHead();
+        std::filesystem::remove(log);
+        EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("; healed with " + std::to_string(records) + " records"));
+        EXPECT_EQ(stored(), textsDown(records, 1));
+    }
+}
+
+TEST_F(DamagedLogbook, TakesNoIdFromTheLogOfAnother) {
+    addTexts(*open(), 1, 3);
+    const std::string ofAnother = support::contentOf(log);
+    removeFiles();
+    addTexts(*open(), 1, 3);
+    forgetHead();
+    support::write(log, ofAnother);
+    EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("; healed with 3 records"));
+    EXPECT_EQ(stored(), textsDown(3, 1));
+}
+
 TEST_F(DamagedLogbook, KeepsAllRecordsWhenNobodyKnowsHowManyToKeep) {
     addTexts(*open(), 1, 5);
-    overwritePage(2, 0);  // the table that tells
-    overwritePage(3, 0);  // its index
+    forgetHead();
     std::filesystem::remove(log);
     std::filesystem::remove(index);
     factory().create("lgbTest", 0, 2);

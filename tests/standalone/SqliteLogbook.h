@@ -1,7 +1,9 @@
 #pragma once
 
 #include "TemporaryFolder.h"
+#include "child.h"
 #include "execute.h"
+#include "spoil.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
 #include <standalone/errors.h>
@@ -10,7 +12,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -43,6 +44,15 @@ protected:
         for (int number = first; number <= last; ++number) {
             add(database, std::to_string(number));
         }
+    }
+
+    /// By a process that is killed then: it closes nothing.
+    static void doAndBeKilled(const std::function<void()>& work) {
+        EXPECT_EQ(support::endOf(support::startChild(work)), 0);
+    }
+
+    void addNumbersAndBeKilled(int first, int last) const {
+        doAndBeKilled([&] { addNumbers(*open().release(), first, last); });
     }
 
     static Texts textsIn(lgb::IDatabase& database) {
@@ -88,14 +98,8 @@ protected:
 
     /// Turns a bit of a text wherever it stands, in the file and in the log.
     void spoil(const std::string& text) const {
-        for (const std::filesystem::path& damaged : {file, log}) {
-            const std::string content = support::contentOf(damaged);
-            std::fstream stream(damaged, std::ios::in | std::ios::out | std::ios::binary);
-            for (std::size_t at = content.find(text); at != std::string::npos; at = content.find(text, at + 1)) {
-                stream.seekp(static_cast<std::streamoff>(at));
-                stream.put(static_cast<char>(content[at] ^ 1));
-            }
-        }
+        support::spoil(file, text);
+        support::spoil(log, text);
     }
 
     static constexpr std::uintmax_t logSize = 128 * std::uintmax_t{1024};

@@ -7,18 +7,15 @@
 
 namespace support {
 
-/// While it lasts, something happens just before each of the next system calls of a kind, as often as it is told. For
-/// programs that link calls.cpp; one at a time.
+/// While it lasts, something happens just before each of the next system calls of a kind, as often as it is told, but
+/// not before the first so many. For programs that link calls.cpp; one at a time.
 class Meanwhile {
 public:
-    Meanwhile(FileCall before, int times, std::function<void()> happens)
-        : awaited(before), left(times), event(std::move(happens)) {
+    Meanwhile(FileCall before, int times, std::function<void()> happens, int skipped = 0)
+        : awaited(before), toSkip(skipped), left(times), event(std::move(happens)) {
         self = this;
         setFates([](FileCall call) {
-            if (call == self->awaited && self->left > 0) {
-                --self->left;
-                self->event();
-            }
+            self->meet(call);
             return Fate();
         });
     }
@@ -29,8 +26,17 @@ public:
     ~Meanwhile() { setFates(nullptr); }
 
 private:
+    void meet(FileCall call) {
+        if (call != awaited || toSkip-- > 0 || left == 0) {
+            return;
+        }
+        --left;
+        event();
+    }
+
     static inline Meanwhile* self = nullptr;
     FileCall awaited;
+    int toSkip;
     int left;
     std::function<void()> event;
 };

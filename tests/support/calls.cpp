@@ -104,6 +104,8 @@ int statusOf(int file, void* status) TQZEL_INSTEAD_OF(fstat);
 int statusOf64(int file, void* status) TQZEL_INSTEAD_OF(fstat64);
 int statusAt(const char* file, void* status) TQZEL_INSTEAD_OF(stat);
 int statusAt64(const char* file, void* status) TQZEL_INSTEAD_OF(stat64);
+int statusOfName(const char* file, void* status) TQZEL_INSTEAD_OF(lstat);
+int statusOfName64(const char* file, void* status) TQZEL_INSTEAD_OF(lstat64);
 
 int openFile(const char* file, int flags, mode_t mode) {
     return support::made<int>(support::opening(flags), "open", file, flags, mode);
@@ -204,7 +206,7 @@ int control64(int file, int command, void* argument) {
 }
 
 int randomBytes(void* bytes, std::size_t count) {
-    return support::made<int>(FileCall::Random, "getentropy", bytes, count);
+    return support::made<int>(FileCall::RandomBytes, "getentropy", bytes, count);
 }
 
 int statusOf(int file, void* status) {
@@ -221,6 +223,14 @@ int statusAt(const char* file, void* status) {
 
 int statusAt64(const char* file, void* status) {
     return support::made<int>(FileCall::Status, "stat64", file, status);
+}
+
+int statusOfName(const char* file, void* status) {
+    return support::made<int>(FileCall::Status, "lstat", file, status);
+}
+
+int statusOfName64(const char* file, void* status) {
+    return support::made<int>(FileCall::Status, "lstat64", file, status);
 }
 
 }  // extern "C"

@@ -23,7 +23,7 @@ enum class FileCall {
     MakeFolder,
     Lock,
     Control,  ///< of locks let go of, and all else that fcntl does
-    Random,   ///< bytes
+    RandomBytes,
     Status,
 };
 

@@ -3,6 +3,7 @@
 #include "TemporaryFolder.h"
 #include "execute.h"
 #include "run.h"
+#include "spoil.h"
 
 #include <standalone/SqliteDatabaseFactory.h>
 #include <tqbase2/system/JsonUtility.h>
@@ -82,13 +83,8 @@ protected:
 
     /// Damages a text of the customer logbook wherever it stands in its files.
     void spoil(const std::string& text) const {
-        for (const std::string& file : {customerFile().string(), customerFile().string() + "-wal"}) {
-            std::string content = support::contentOf(file);
-            for (std::size_t at = content.find(text); at != std::string::npos; at = content.find(text, at + 1)) {
-                content[at] = static_cast<char>(content[at] ^ 1);
-            }
-            support::write(file, content);
-        }
+        support::spoil(customerFile(), text);
+        support::spoil(customerFile().string() + "-wal", text);
     }
 
     static std::string freeText(const std::string& text) { return document("I", 0, "", -1, -1, text); }

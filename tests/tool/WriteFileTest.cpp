@@ -21,7 +21,7 @@ using testing::UnorderedElementsAre;
 class WriteFile : public testing::Test {
 protected:
     void write(const std::string& text) const {
-        tool::writeFile(file, [&](std::ostream& stream) { stream << text; });
+        tool::writeFile(file, [&](std::ostream& stream, bool) { stream << text; });
     }
 
     static fs::perms permissionsOf(const fs::path& path) { return fs::status(path).permissions(); }
@@ -56,7 +56,7 @@ TEST_F(WriteFile, GivesANewFileTheUsualPermissions) {
 TEST_F(WriteFile, ReplacesTheOlderFileOnceTheNewOneIsOnTheDisk) {
     support::write(file, "old");
     support::syncs = 0;
-    tool::writeFile(file, [&](std::ostream& stream) {
+    tool::writeFile(file, [&](std::ostream& stream, bool) {
         stream << "new" << std::flush;
         EXPECT_EQ(support::contentOf(file), "old");
     });
@@ -66,7 +66,7 @@ TEST_F(WriteFile, ReplacesTheOlderFileOnceTheNewOneIsOnTheDisk) {
 
 TEST_F(WriteFile, LeavesTheOlderFileAndNothingElseWhenItFails) {
     support::write(file, "old");
-    const auto fail = [](std::ostream&) { throw std::runtime_error("no more"); };
+    const auto fail = [](std::ostream&, bool) { throw std::runtime_error("no more"); };
     EXPECT_THROW(tool::writeFile(file, fail), std::runtime_error);
     EXPECT_EQ(support::contentOf(file), "old");
     EXPECT_THAT(names(), UnorderedElementsAre("lines"));
@@ -77,7 +77,7 @@ TEST_F(WriteFile, LeavesTheOlderFileAndNothingElseWhenItIsInterrupted) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         const pid_t writer = support::startChild([&] {
             std::signal(signal, SIG_DFL);  // what runs in the background may ignore it
-            tool::writeFile(file, [&](std::ostream& stream) { stream << "new" << std::flush, raise(signal); });
+            tool::writeFile(file, [&](std::ostream& stream, bool) { stream << "new" << std::flush, raise(signal); });
         });
         const int status = support::endOf(writer);
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
