@@ -36,9 +36,9 @@ void addLost(Remains& remains, std::vector<LostRange>& all, std::int64_t first, 
 }
 
 /// Of what looks like ranges known to be lost those that can be: without a record, and apart.
-LostRanges knownLost(const RecordScan& scan, const std::vector<std::int64_t>& numbers) {
+LostRanges knownLost(const RecordScan& scan, const std::vector<std::int64_t>& numbers, const RangesByFirst& perhaps) {
     std::vector<LostRange> known;
-    for (const auto& [first, range] : byFirst(scan.perhapsLost())) {
+    for (const auto& [first, range] : perhaps) {
         const auto next = std::lower_bound(numbers.begin(), numbers.end(), first);
         const bool isEmpty = next == numbers.end() || *next > range.last;
         const bool isApart = known.empty() || first > known.back().last;
@@ -50,10 +50,10 @@ LostRanges knownLost(const RecordScan& scan, const std::vector<std::int64_t>& nu
 }
 
 /// The oldest number that a full logbook keeps; where it is not known how many are lost, rather an old record too many.
-std::int64_t oldestInFull(const RecordScan& scan, std::int64_t capacity) {
+std::int64_t oldestInFull(const RecordScan& scan, std::int64_t capacity, const RangesByFirst& perhapsLost) {
     const std::vector<std::int64_t> numbers = scan.numbers();
     if (scan.knowsLost()) {
-        return knownLost(scan, numbers).before(scan.newestKnown(), capacity - 1);
+        return knownLost(scan, numbers, perhapsLost).before(scan.newestKnown(), capacity - 1);
     }
     const auto kept =
         static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(numbers.size(), static_cast<std::uint64_t>(capacity)));
@@ -61,8 +61,8 @@ std::int64_t oldestInFull(const RecordScan& scan, std::int64_t capacity) {
 }
 
 /// The oldest number that was not dropped or cleared, as far as that can be told.
-std::int64_t oldestKept(const RecordScan& scan, const LogbookHead& head) {
-    const std::int64_t inFull = head.capacity == 0 ? 1 : oldestInFull(scan, head.capacity);
+std::int64_t oldestKept(const RecordScan& scan, const LogbookHead& head, const RangesByFirst& perhapsLost) {
+    const std::int64_t inFull = head.capacity == 0 ? 1 : oldestInFull(scan, head.capacity, perhapsLost);
     return std::max({head.cleared + 1, inFull, scan.oldest().value_or(1)});
 }
 
@@ -79,21 +79,21 @@ Remains remainsOf(const RecordScan& scan, std::int64_t capacity) {
         return remains;
     }
     std::vector<LostRange> lost;
-    const RangesByFirst known = byFirst(scan.perhapsLost());
-    std::int64_t expected = oldestKept(scan, remains.head);
+    const RangesByFirst perhapsLost = byFirst(scan.perhapsLost());
+    std::int64_t expected = oldestKept(scan, remains.head, perhapsLost);
     for (const std::int64_t number : scan.numbers()) {
         if (number < expected) {
             remains.removed.push_back(number);
             continue;
         }
         if (number > expected) {
-            addLost(remains, lost, expected, number - 1, known);
+            addLost(remains, lost, expected, number - 1, perhapsLost);
         }
         remains.numbers.push_back(number);
         expected = number + 1;
     }
     if (expected <= *newest) {
-        addLost(remains, lost, expected, *newest, known);
+        addLost(remains, lost, expected, *newest, perhapsLost);
     }
     remains.lost = LostRanges(std::move(lost));
     return remains;

@@ -212,11 +212,11 @@ private:
             return;  // deleted, until somebody makes it anew
         }
         standalone::LogbookReader reader(fileOf(selection));
-        const bool hasChanged = isAnother(reader, id);
+        const bool isNotTheOneBefore = isAnother(reader, id);
         if (!listing) {
             listing = createListing(request.format, request.look);  // begins to write
         }
-        if (hasChanged) {
+        if (isNotTheOneBefore) {
             std::cerr << "tqzel-logbook: another logbook has taken its place, from its first entry on:\n";
             request.after.reset();
         }

@@ -352,27 +352,6 @@ protected:
     }
 };
 
-TEST_F(LogbookReplacedInUse, GoesOnWheneverTheCopyIsDeletedToo) {
-    for (int moment = 0; moment < 60; ++moment) {
-        removeFiles();
-        const auto database = open();
-        addNumbers(*database, 1, 2);
-        const std::string older = support::contentOf(file);
-        addNumbers(*database, 3, 4);
-        replaceBy(older, "");
-        const auto refused = [&] {
-            const Meanwhile another(
-                FileCall::Status, 1, [this] { removeFiles(); }, moment);
-            return refusalOf([&] { add(*database, "5"); });
-        }();
-        if (refused) {  // while it was being opened by this process
-            EXPECT_THAT(refused->first, testing::AnyOf(Failure::Busy, Failure::Missing)) << refused->second;
-            add(*database, "5");
-        }
-        EXPECT_EQ(textsIn(*database).front(), "5");
-    }
-}
-
 TEST_F(LogbookReplacedInUse, KeepsARecordOnceThatIsCutOffInTheCopy) {
     const auto database = open();
     addNumbers(*database, 1, 3);
@@ -396,6 +375,45 @@ TEST_F(LogbookReplacedInUse, KeepsBothItsOwnRecordAndTheOneThatIsCutOffInTheCopy
     replaceBy(support::contentOf(copy), torn(support::contentOf(copiedLog)));
     add(*database, "4");
     EXPECT_EQ(stored(), (Texts{"4", "of the copy", "3", "2", "1"}));
+}
+
+/// Once more at any moment while a record is added.
+class LogbookReplacedAgainInUse : public LogbookReplacedInUse {
+protected:
+    /// @return what is stored when 1 to 4 were stored, a copy with 1 and 2 took its place, and 5 is added
+    Texts addedWhile(const std::function<void(const std::string& copy)>& happens, int moment) const {
+        removeFiles();
+        const auto database = open();
+        addNumbers(*database, 1, 2);
+        const std::string copy = support::contentOf(file);
+        addNumbers(*database, 3, 4);
+        replaceBy(copy, "");
+        const auto refused = [&] {
+            const Meanwhile again(
+                FileCall::Status, 1, [&] { happens(copy); }, moment);
+            return refusalOf([&] { add(*database, "5"); });
+        }();
+        if (refused) {  // while it was being opened by this process
+            EXPECT_THAT(refused->first, testing::AnyOf(Failure::Busy, Failure::Missing)) << refused->second;
+            add(*database, "5");
+        }
+        return textsIn(*database);
+    }
+
+    static constexpr int moments = 60;
+};
+
+TEST_F(LogbookReplacedAgainInUse, GoesOnWhenTheCopyIsDeleted) {
+    for (int moment = 0; moment < moments; ++moment) {
+        EXPECT_EQ(addedWhile([this](const std::string&) { removeFiles(); }, moment).front(), "5");
+    }
+}
+
+TEST_F(LogbookReplacedAgainInUse, KeepsItsRecordsWhenItIsTheSameCopy) {
+    for (int moment = 0; moment < moments; ++moment) {
+        EXPECT_EQ(addedWhile([this](const std::string& copy) { replaceBy(copy, ""); }, moment), countingDown(5, 1))
+            << moment;
+    }
 }
 
 TEST_F(LogbookInUse, GivesOutNoNumberThatWasGivenUpMeanwhile) {
