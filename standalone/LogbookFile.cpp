@@ -37,17 +37,6 @@ Connection connect(const LogbookFiles& files) {
     }
 }
 
-/// What SQLite would follow, wait for or carry out.
-void requireUsable(const LogbookFiles& files) {
-    for (const std::string* const file : {&files.database, &files.log, &files.index}) {
-        stateOf(*file);
-    }
-    const auto journal = stateOf(files.journal);
-    if (journal && journal->bytes > 0) {
-        throw DatabaseError(Failure::Foreign, files.journal + ": stands beside a logbook, but is none of its files");
-    }
-}
-
 /// Others of this process may still use what has lost its name, and SQLite goes on with that.
 FileState openedState(const std::string& file) {
     const auto state = stateOf(file);

@@ -40,7 +40,9 @@ void requireRegular(const std::string& file, const struct stat& status) {
 int opened(const std::string& file, int flags) {
     const int descriptor = open(file.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, forOwnerAndGroup);
     if (descriptor == -1) {
-        refuse(file, errno);
+        const int reason = errno;
+        stateOf(file);  // what is no regular file can't be opened for many reasons
+        refuse(file, reason);
     }
     return descriptor;
 }
@@ -92,6 +94,16 @@ std::optional<FileState> stateOf(const std::string& file) {
     }
     requireRegular(file, status);
     return stateFrom(status);
+}
+
+void requireUsable(const LogbookFiles& files) {
+    for (const std::string* const file : {&files.database, &files.log, &files.index}) {
+        stateOf(*file);
+    }
+    const auto journal = stateOf(files.journal);
+    if (journal && journal->bytes > 0) {
+        throw DatabaseError(Failure::Foreign, files.journal + ": stands beside a logbook, but is none of its files");
+    }
 }
 
 void requireNotEmpty(const FileState& database) {

@@ -126,10 +126,14 @@ std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {
     return logbooks;
 }
 
+bool isThere(const Selection& selection) {
+    return std::filesystem::exists(std::filesystem::symlink_status(fileOf(selection)));
+}
+
 void requireLogbook(const Selection& selection) {
-    const auto file = fileOf(selection);
-    if (!std::filesystem::exists(file)) {
-        throw standalone::DatabaseError(standalone::Failure::Missing, file.string() + ": there is no such logbook");
+    if (!isThere(selection)) {
+        throw standalone::DatabaseError(standalone::Failure::Missing,
+                                        fileOf(selection).string() + ": there is no such logbook");
     }
 }
 

@@ -52,6 +52,9 @@ void tellOfNewFolder(const Selection& selection);
 /// @throws standalone::DatabaseError
 std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection);
 
+/// Whether there is anything by the name of the selected logbook, be it a link that leads nowhere.
+bool isThere(const Selection& selection);
+
 /// @throws standalone::DatabaseError, when there is no such logbook
 void requireLogbook(const Selection& selection);
 

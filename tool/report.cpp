@@ -125,7 +125,7 @@ mustache::data rowOf(const ReadEntry& read) {
 Contents read(const Selection& selection) {
     Contents contents;
     contents.name = selection.logbook;
-    contents.missing = !std::filesystem::exists(fileOf(selection));
+    contents.missing = !isThere(selection);
     if (contents.missing) {
         return contents;
     }

@@ -208,7 +208,7 @@ public:
 
 private:
     void show() {
-        if (listing && !std::filesystem::exists(fileOf(selection))) {
+        if (listing && !isThere(selection)) {
             return;  // deleted, until somebody makes it anew
         }
         standalone::LogbookReader reader(fileOf(selection));

@@ -90,6 +90,16 @@ TEST_F(Exchange, KeepsTheNewestOfWhatIsTooMuch) {
     EXPECT_EQ(kept.back(), "1001 0 0 |600");
 }
 
+TEST_F(Exchange, ImportsNothingWhereTheNumbersWouldEnd) {
+    storeEvening();
+    const std::string lines = folder / "lines";
+    output("export customer --output " + lines);
+    change("INSERT INTO lost VALUES (4, " + std::to_string((std::int64_t{1} << 62) - 3) + ", 0)");  // two are left
+    EXPECT_EQ(failure("import customer " + lines),
+              "tqzel-logbook: " + customerFile().string() + ": all numbers are given out\n");
+    EXPECT_EQ(output("export customer"), support::contentOf(lines));
+}
+
 TEST_F(Exchange, RefusesABadLineByItsNumberAndImportsNothing) {
     storeEvening();
     const auto before = files();

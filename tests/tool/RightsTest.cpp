@@ -124,6 +124,29 @@ TEST_F(FolderOfSomebody, IsShownToRootByAPagerThatRunsNothing) {
     EXPECT_THAT(onTerminal("show service", "PAGER='echo secure $LESSSECURE; cat'"), HasSubstr("secure 1\n"));
 }
 
+TEST_F(FolderOfSomebody, IsForItsGroupWhenItSaysSoAndNeverForOthers) {
+    EXPECT_EQ(chown(folder.path().c_str(), somebody, somebodyElse), 0);
+    chmod(folder.path().c_str(), 02770);
+    const std::string asMember = "umask 002; setpriv --reuid=65531 --regid=65532 --clear-groups env ";
+    EXPECT_EQ(support::run("umask 002; " + command("add service info --text first")).exitCode, 0);
+    EXPECT_EQ(support::run(asMember + command("add service info --text second")).errors, "");
+    EXPECT_THAT(output("show service --count 1"), HasSubstr("second"));
+    for (const auto& entry : fs::directory_iterator(folder.path())) {
+        EXPECT_EQ(stateOf(entry.path()).st_mode & 0777, 0660U) << entry.path();
+        EXPECT_EQ(stateOf(entry.path()).st_gid, somebodyElse) << entry.path();
+    }
+    const std::string asAnother = "setpriv --reuid=65530 --regid=65530 --clear-groups env ";
+    EXPECT_EQ(support::run(asAnother + command("show service")).exitCode, 1);
+}
+
+TEST_F(FolderOfSomebody, GetsFilesThatOthersCanNotOpenWhateverTheUmask) {
+    chmod(folder.path().c_str(), 0755);
+    EXPECT_EQ(support::run("umask 0; " + command("add service info --text noted")).errors, "");
+    for (const auto& entry : fs::directory_iterator(folder.path())) {
+        EXPECT_EQ(stateOf(entry.path()).st_mode & 0007, 0U) << entry.path();
+    }
+}
+
 /// An output that replaces what somebody has prepared.
 using OutputToSomebody = FolderOfSomebody;
 

@@ -1,0 +1,248 @@
+// Folders and files that somebody has prepared for those who look into them or write there.
+
+#include "ToolFixture.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::AnyOf;
+using testing::Ge;
+using testing::HasSubstr;
+using testing::Le;
+using testing::Not;
+
+const std::vector<std::string> readingCommands{"show customer", "check customer", "export customer", "stats customer",
+                                               "report --output /dev/null"};
+const std::vector<std::string> writingCommands{"add customer info 20", "clear customer --yes",
+                                               "resize customer 9 --yes", "import customer /dev/null"};
+
+/// Whatever was prepared, the tool comes to its end, with little memory, and leaves alone what is elsewhere.
+class PreparedFolder : public ToolFixture {
+protected:
+    support::Outcome limited(const std::string& arguments) const {
+        const support::Outcome outcome =
+            support::run("TQZEL_LOGBOOK_DIR='" + folder.path().string() + "' timeout 30 " TQZEL_LIMITED TQZEL_TOOL " " +
+                         arguments + " </dev/null");
+        EXPECT_THAT(outcome.exitCode, AnyOf(0, 1)) << arguments;
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("bad_alloc"))) << arguments;
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("memory"))) << arguments;
+        return outcome;
+    }
+
+    void expectRefused(const std::string& arguments, const std::string& reason) const {
+        const support::Outcome outcome = limited(arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments;
+        EXPECT_EQ(linesOf(outcome.errors), 1) << outcome.errors;
+        EXPECT_THAT(outcome.output + outcome.errors, HasSubstr(reason)) << arguments;
+    }
+
+    void expectAllRefused(const std::string& reason) const {
+        for (const auto* const commands : {&readingCommands, &writingCommands}) {
+            for (const std::string& arguments : *commands) {
+                expectRefused(arguments, reason);
+            }
+        }
+    }
+
+    static std::ptrdiff_t linesOf(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
+
+    const support::TemporaryFolder elsewhere;
+};
+
+/// What stands in the place of a logbook's file.
+struct Oddity {
+    const char* name;
+    void (*make)(const fs::path& file, const fs::path& elsewhere);
+};
+
+void makeLink(const fs::path& file, const fs::path& elsewhere) {
+    fs::create_symlink(elsewhere / "precious", file);
+}
+
+void makeLinkToNothing(const fs::path& file, const fs::path& elsewhere) {
+    fs::create_symlink(elsewhere / "made", file);
+}
+
+void makePipe(const fs::path& file, const fs::path&) {
+    EXPECT_EQ(mkfifo(file.c_str(), 0666), 0);
+}
+
+void makeSocket(const fs::path& file, const fs::path&) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    file.string().copy(address.sun_path, sizeof address.sun_path - 1);
+    const int made = socket(AF_UNIX, SOCK_STREAM, 0);
+    EXPECT_EQ(bind(made, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << file;
+    close(made);
+}
+
+/// An endless one, where root makes it.
+void makeDevice(const fs::path& file, const fs::path& elsewhere) {
+    if (geteuid() != 0 || mknod(file.c_str(), S_IFCHR | 0666, makedev(1, 5)) != 0) {
+        makeLink(file, elsewhere);
+    }
+}
+
+void makeFolder(const fs::path& file, const fs::path&) {
+    fs::create_directory(file);
+    support::write(file / "in it", "something");
+}
+
+class OddFile : public PreparedFolder, public testing::WithParamInterface<Oddity> {};
+
+TEST_P(OddFile, IsRefusedByNameAndLeadsNowhere) {
+    storeEvening();
+    fs::copy_file(customerFile(), elsewhere / "precious");
+    const auto before = support::filesOf(elsewhere.path());
+    for (const char* const end : {"", "-wal", "-shm", "-journal"}) {
+        const fs::path odd = customerFile().string() + end;
+        fs::remove(odd);
+        GetParam().make(odd, elsewhere.path());
+        expectAllRefused(odd.string() + ": is no regular file\n");
+        fs::remove_all(odd);
+        fs::remove(customerFile());
+        storeEvening();
+    }
+    EXPECT_EQ(support::filesOf(elsewhere.path()), before);
+}
+
+TEST_P(OddFile, ThatOnlyWritersUseIsRefusedToThem) {
+    for (const char* const end : {"-lock", "-healed"}) {
+        storeEvening();
+        const fs::path odd = customerFile().string() + end;
+        fs::remove(odd);
+        GetParam().make(odd, elsewhere.path());
+        for (const std::string& arguments : writingCommands) {
+            expectRefused(arguments, odd.string() + ": is no regular file\n");
+        }
+        fs::remove_all(odd);
+    }
+    EXPECT_TRUE(fs::is_empty(elsewhere.path()));
+}
+
+INSTANTIATE_TEST_SUITE_P(PreparedFolder, OddFile,
+                         testing::Values(Oddity{"ALink", makeLink}, Oddity{"ALinkToNothing", makeLinkToNothing},
+                                         Oddity{"APipe", makePipe}, Oddity{"ASocket", makeSocket},
+                                         Oddity{"ADevice", makeDevice}, Oddity{"AFolder", makeFolder}),
+                         [](const auto& oddity) { return oddity.param.name; });
+
+/// The bytes of a number, the highest first.
+std::string bytesOf(std::uint32_t number) {
+    std::string bytes;
+    for (const unsigned int shift : {24U, 16U, 8U, 0U}) {
+        bytes += static_cast<char>(number >> shift);
+    }
+    return bytes;
+}
+
+/// A rollback journal of no pages that names another, which SQLite deletes once it has rolled back.
+std::string journalNaming(const std::string& another) {
+    const std::string magic = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
+    constexpr std::uint32_t sectorBytes = 512;
+    constexpr std::uint32_t pageBytes = 1024;
+    constexpr std::uint32_t pageOfLocks = 0x40000000 / pageBytes + 1;
+    std::string journal = magic + bytesOf(0) + bytesOf(0) + bytesOf(1) + bytesOf(sectorBytes) + bytesOf(pageBytes);
+    journal.resize(sectorBytes, '\0');
+    const auto sum =
+        std::accumulate(another.begin(), another.end(), std::uint32_t{0},
+                        [](std::uint32_t all, char byte) { return all + static_cast<unsigned char>(byte); });
+    return journal + bytesOf(pageOfLocks) + another + bytesOf(static_cast<std::uint32_t>(another.size())) +
+           bytesOf(sum) + magic;
+}
+
+TEST_F(PreparedFolder, WithAJournalThatNamesAFileLeavesItThere) {
+    storeEvening();
+    const fs::path precious = elsewhere / "precious";
+    support::write(precious, "precious");
+    const fs::path journal = customerFile().string() + "-journal";
+    support::write(journal, journalNaming(precious.string()));
+    expectAllRefused(journal.string() + ": stands beside a logbook, but is none of its files\n");
+    EXPECT_EQ(support::contentOf(precious), "precious");
+}
+
+TEST_F(PreparedFolder, IsTheOneThatItsNameSaysToReadersAndWriters) {
+    for (const char* const name : {"file::memory:?a=", "a?mode=memory", "a%41", "a#b", "-a", "a b"}) {
+        fs::create_directory(folder / name);
+        const std::string option = " --folder '" + (folder / name).string() + '\'';
+        EXPECT_EQ(output("add service info --text noted" + option), "");
+        EXPECT_THAT(output("show service" + option), HasSubstr("noted"));
+        EXPECT_TRUE(fs::exists(folder / name / "lgbService.db"));
+        const std::string byName =
+            support::run("cd '" + folder.path().string() + "' && " TQZEL_TOOL " show service --folder='" + name + '\'')
+                .output;
+        EXPECT_THAT(byName, HasSubstr("noted")) << name;
+    }
+}
+
+/// The files of a logbook of which something can't be: a view, a trigger, a column or a number too many, and the like.
+class PreparedFiles : public PreparedFolder {
+protected:
+    /// An input of the fuzzing: the first byte tells how many KB behind it are the database, 255 all; the rest is its
+    /// log.
+    void prepare(const fs::path& input) const {
+        for (const auto& entry : fs::directory_iterator(folder.path())) {
+            fs::remove(entry.path());
+        }
+        const std::string bytes = support::contentOf(input);
+        constexpr unsigned char all = 255;
+        constexpr std::size_t unitBytes = 1024;
+        const unsigned char units = bytes.empty() ? all : static_cast<unsigned char>(bytes.front());
+        const std::string content = bytes.substr(std::min<std::size_t>(bytes.size(), 1));
+        const std::size_t end = units == all ? content.size() : std::min(content.size(), units * unitBytes);
+        support::write(customerFile(), content.substr(0, end));
+        if (end < content.size()) {
+            support::write(customerFile().string() + "-wal", content.substr(end));
+        }
+    }
+
+    std::vector<fs::path> inputs() const {
+        std::vector<fs::path> found;
+        for (const auto& entry : fs::directory_iterator(TQZEL_SOURCE_FOLDER "/fuzz/corpus/logbook_file")) {
+            found.push_back(entry.path());
+        }
+        return found;
+    }
+};
+
+TEST_F(PreparedFiles, AreReadOrRefusedInOneLineAndLeftAsTheyAre) {
+    for (const fs::path& input : inputs()) {
+        prepare(input);
+        const auto before = files();
+        for (const std::string& arguments : readingCommands) {
+            const support::Outcome outcome = limited(arguments);
+            EXPECT_THAT(linesOf(outcome.errors), AllOf(Ge(outcome.exitCode), Le(1)))
+                << input << ' ' << arguments << '\n'
+                << outcome.errors;
+        }
+        EXPECT_EQ(files(), before) << input;
+    }
+}
+
+TEST_F(PreparedFiles, AreWrittenToSoundlyOrRefused) {
+    for (const fs::path& input : inputs()) {
+        for (const std::string& arguments : writingCommands) {
+            prepare(input);
+            const support::Outcome outcome = limited(arguments);
+            if (outcome.exitCode == 0) {
+                EXPECT_THAT(limited("check customer").output, HasSubstr(": sound, ")) << input << ' ' << arguments;
+            }
+        }
+    }
+}
+
+}  // namespace
