@@ -17,9 +17,11 @@ struct LogFindings {
     std::optional<LogMark> mark;      ///< of an emptied one
     bool isForeign = false;           ///< of another logbook
     bool isTorn = false;              ///< something is behind what SQLite sees
+    bool isBroken = false;            ///< and that was committed
     std::int64_t newestBehind = 0;    ///< number of a record that SQLite does not see
     std::int64_t cleared = 0;         ///< as the log has it, seen by SQLite or not
-    std::vector<FoundRecord> cutOff;  ///< records in a frame of a transaction that is torn, the newest of all
+    std::vector<std::int64_t> torn;   ///< numbers of the records in a transaction that is torn
+    std::vector<FoundRecord> cutOff;  ///< records in a frame of that, or of one that looks older, the newest of all
 
     /// What is wrong, if the log tells of more than the logbook shows.
     std::optional<std::string> damageOf(const Examination& logbook) const;

@@ -181,7 +181,7 @@ void RecordScan::lookForIndexedHead(std::string_view page, std::size_t at, const
 }
 
 /// Of the ids that were found the one that most records are of; without any, that in the mark of the log, if it is
-/// theirs; without that, what most records agree in.
+/// theirs; without that, what most records agree in, as one alone might be anything.
 void RecordScan::choose() {
     std::map<std::uint32_t, std::size_t> votes;
     for (const Candidate& candidate : candidates) {
@@ -208,7 +208,7 @@ void RecordScan::choose() {
     }
     if (foundId) {
         keep(signatureOf(*foundId));
-    } else if (most != votes.end() && (most->second > 1 || votes.size() == 1)) {
+    } else if (most != votes.end() && most->second > 1) {
         keep(most->first);
     }
 }
@@ -261,6 +261,16 @@ std::vector<FoundRecord> RecordScan::recordsBesideNewest(LogFrame::Part part) co
             if (auto record = read(one->second)) {
                 all.push_back(std::move(*record));
             }
+        }
+    }
+    return all;
+}
+
+std::vector<std::int64_t> RecordScan::numbersIn(LogFrame::Part part) const {
+    std::vector<std::int64_t> all;
+    for (const auto& [number, candidate] : records) {
+        if (pages.isIn(part, candidate.image)) {
+            all.push_back(number);
         }
     }
     return all;
@@ -319,6 +329,11 @@ std::optional<std::int64_t> RecordScan::oldest() const {
     // A page of newer records in the place of the root looks like the root of a short logbook.
     const bool isShort = pages.bytesOf(pages.latest(recordRoot)).front() == leaf;
     return isShort && records.count(row->number - 1) != 0 ? std::nullopt : std::optional(row->number);
+}
+
+bool RecordScan::isTreeTheNewest() const {
+    const auto row = edge(Edge::Newest);
+    return row && row->number == newestKnown();
 }
 
 bool RecordScan::knowsLost() const {

@@ -57,7 +57,10 @@ public:
     /// The highest number of a record whose newest copy stands in such a part of the log; 0: there is none.
     std::int64_t newestIn(LogFrame::Part part) const;
 
-    /// That record and those that stand in the same frame, ascending.
+    /// Of all such records, ascending.
+    std::vector<std::int64_t> numbersIn(LogFrame::Part part) const;
+
+    /// The newest of them and those that stand in the same frame, ascending.
     std::vector<FoundRecord> recordsBesideNewest(LogFrame::Part part) const;
 
     /// @return nothing, when somebody has written over it since it was found
@@ -71,6 +74,9 @@ public:
 
     /// The number of the oldest record kept, as far as the database still tells; older ones have been dropped.
     std::optional<std::int64_t> oldest() const;
+
+    /// Whether that is known of the newest state, as the same tree leads to the newest record.
+    bool isTreeTheNewest() const;
 
     /// The highest number that was given out for certain.
     std::int64_t newestKnown() const;

@@ -62,8 +62,10 @@ std::int64_t oldestInFull(const RecordScan& scan, std::int64_t capacity, const R
 
 /// The oldest number that was not dropped or cleared, as far as that can be told.
 std::int64_t oldestKept(const RecordScan& scan, const LogbookHead& head, const RangesByFirst& perhapsLost) {
-    const std::int64_t inFull = head.capacity == 0 ? 1 : oldestInFull(scan, head.capacity, perhapsLost);
-    return std::max({head.cleared + 1, inFull, scan.oldest().value_or(1)});
+    const auto oldest = scan.oldest();
+    const bool needsNoCount = head.capacity == 0 || (oldest && scan.isTreeTheNewest());
+    const std::int64_t inFull = needsNoCount ? 1 : oldestInFull(scan, head.capacity, perhapsLost);
+    return std::max({head.cleared + 1, inFull, oldest.value_or(1)});
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ const std::vector<std::string> writingCommands{"add customer info 20", "clear cu
 class PreparedFolder : public ToolFixture {
 protected:
     support::Outcome limited(const std::string& arguments) const {
-        const support::Outcome outcome =
+        support::Outcome outcome =
             support::run("TQZEL_LOGBOOK_DIR='" + folder.path().string() + "' timeout 30 " TQZEL_LIMITED TQZEL_TOOL " " +
                          arguments + " </dev/null");
         EXPECT_THAT(outcome.exitCode, AnyOf(0, 1)) << arguments;
