@@ -10,11 +10,6 @@ namespace standalone {
 
 namespace {
 
-bool holds(const LogContent& log, LogFrame::Part part) {
-    return std::any_of(log.frames.begin(), log.frames.end(),
-                       [part](const LogFrame& frame) { return frame.part == part; });
-}
-
 bool mayHoldMore(const LogContent& log) {
     return std::any_of(log.frames.begin(), log.frames.end(),
                        [](const LogFrame& frame) { return frame.part != LogFrame::Part::Older; });
@@ -29,7 +24,7 @@ bool isBehindAGap(const std::vector<std::int64_t>& torn, std::int64_t newest) {
 }  // namespace
 
 std::optional<std::string> LogFindings::damageOf(const Examination& logbook) const {
-    if (isBroken || isBehindAGap(torn, logbook.newest) || cleared > logbook.head.cleared) {
+    if (newestBehind > logbook.newest || isBehindAGap(torn, logbook.newest) || cleared > logbook.head.cleared) {
         return "damaged: its log is damaged, and tells of more behind that";
     }
     if (newestKnown(logbook.head.id) > logbook.newest) {
@@ -56,8 +51,9 @@ LogFindings lookThroughLog(const std::string& database, const std::string& log) 
     if (mayHoldMore(content)) {
         const RecordScan scan(database, log, Extent::Log);
         findings.isForeign = scan.isLogForeign();
-        findings.isBroken = holds(content, LogFrame::Part::Behind);
-        findings.isTorn = findings.isBroken || holds(content, LogFrame::Part::Open);
+        findings.isTorn = std::any_of(content.frames.begin(), content.frames.end(), [](const LogFrame& frame) {
+            return frame.part == LogFrame::Part::Open || frame.part == LogFrame::Part::Behind;
+        });
         findings.newestBehind = scan.newestIn(LogFrame::Part::Behind);
         findings.cleared = scan.head() ? scan.head()->cleared : 0;
         // A frame that lost its head looks older than it is.

@@ -137,9 +137,8 @@ private:
         std::vector<LogFrame>& frames = content.frames;
         const auto isBehind = [](const LogFrame& one) { return one.part == Part::Behind; };
         const auto first = std::find_if(frames.begin(), frames.end(), isBehind);
-        const bool isLast = std::none_of(first, frames.end(), [&](const LogFrame& one) {
-            return one.part != Part::Older && one.last != first->last;
-        });
+        const bool isLast = std::none_of(first, frames.end(),
+                                         [&](const LogFrame& one) { return isBehind(one) && one.last != first->last; });
         for (auto one = first; isLast && one != frames.end(); ++one) {
             one->part = isBehind(*one) ? Part::Open : one->part;
         }
