@@ -112,12 +112,13 @@ void findDamaged(Connection& connection, Examination& found) {
 
 using Header = std::array<unsigned char, 100>;
 
-/// As it stands in the database: what a logbook's log may hold of it differs in nothing that is looked at.
+/// As it stands in the database: what a logbook's log may hold of it differs in nothing that is looked at. What a file
+/// that was cut short lacks is zeros.
 Header headerOf(Connection& connection) {
     Header header{};
     sqlite3_file* const file = connection.file();
     const int outcome = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
-    if (outcome != SQLITE_OK) {
+    if (outcome != SQLITE_OK && outcome != SQLITE_IOERR_SHORT_READ) {
         throw SqliteError(nullptr, outcome);
     }
     return header;

@@ -245,6 +245,19 @@ TEST_F(DamagedLogbook, CutShortKeepsWhatIsLeft) {
     EXPECT_EQ(stored().front(), "the next");
 }
 
+TEST_F(DamagedLogbook, CutShortInItsHeaderKeepsWhatIsInTheLog) {
+    doAndBeKilled([this] {
+        auto& database = *open().release();
+        addTexts(database, 1, 40);
+        database.clear();  // which changes the first page, so that the log has it
+        addTexts(database, 41, 42);
+    });
+    std::filesystem::resize_file(file, 81);
+    EXPECT_EQ(stored(), textsDown(42, 41));
+    add(*open(), "the next");
+    EXPECT_EQ(stored().front(), "the next");
+}
+
 TEST_F(DamagedLogbook, BringsBackRecordsBehindABreakInTheLog) {
     addAndBeKilled(1, 12);
     spoil(text(5));
