@@ -534,6 +534,35 @@ TEST_F(MisleadingPage, OfLostNumbersTakesNoRecord) {
     EXPECT_EQ(stored().size(), 29U);
 }
 
+TEST_F(MisleadingPage, AtTheRootOfAFullLogbookLetsItCountOverLostNumbers) {
+    constexpr std::uint32_t capacity = 30;
+    addTexts(*open(capacity), 1, 40);
+    spoil("record 20 of");
+    addTexts(*open(capacity), 41, 43);
+    Texts expected = textsDown(43, 21);
+    const Texts beyond = textsDown(19, 13);
+    expected.insert(expected.end(), beyond.begin(), beyond.end());
+    ASSERT_EQ(stored(), expected);
+    write(records, firstCellOfBranchAt, 0);
+    open(capacity);
+    EXPECT_EQ(stored(), expected);
+}
+
+TEST_F(MisleadingPage, AtTheRootTakesNoneWhateverIsSaidOfLostNumbers) {
+    for (const char* const lost : {"(-5, -1, 0)", "(3, 2, 0)", "(2, 3, 0)", "(900, 950, 0)", "(7, 9, 0), (8, 10, 0)"}) {
+        for (const bool isRootMisleading : {false, true}) {
+            removeFiles();
+            addTexts(*open(5), 1, 5);
+            execute(std::string("INSERT INTO lost VALUES ") + lost);
+            if (isRootMisleading) {
+                write(records, firstCellAt, 0);
+            }
+            open(5);
+            EXPECT_EQ(stored(), textsDown(5, 1)) << lost;
+        }
+    }
+}
+
 TEST_F(DamagedLogbook, HoldsNoNumberThatWasCleared) {
     const auto database = open();
     addTexts(*database, 1, 2);
@@ -637,15 +666,6 @@ TEST_F(DamagedLogbook, TellsEqualRecordsApartByTheirNumber) {
     execute("UPDATE record SET checksum = (SELECT checksum FROM record WHERE number = 1) WHERE number = 2");
     LogbookReader reader(file);
     EXPECT_FALSE(reader.before(INT64_MAX, 1)[0].intact);
-}
-
-TEST_F(DamagedLogbook, ThatIsFullKeepsItsRecordsWhateverItSaysOfLostNumbers) {
-    addTexts(*open(5), 1, 5);
-    for (const char* const lost : {"(-5, -1, 0)", "(3, 2, 0)", "(2, 3, 0)", "(900, 950, 0)", "(7, 9, 0), (8, 10, 0)"}) {
-        execute(std::string("INSERT INTO lost VALUES ") + lost);
-        open(5);
-        EXPECT_EQ(stored(), textsDown(5, 1)) << lost;
-    }
 }
 
 TEST_F(DamagedLogbook, ThatIsFullKeepsItsRecordsWhenItTellsOfFewerLostNumbers) {
