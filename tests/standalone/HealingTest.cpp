@@ -534,6 +534,23 @@ TEST_F(MisleadingPage, OfLostNumbersTakesNoRecord) {
     EXPECT_EQ(stored().size(), 29U);
 }
 
+/// As many as it had without the one that was lost, and rather one that had been dropped too many.
+TEST_F(MisleadingPage, AtTheRootAndOfLostNumbersTakesNoRecord) {
+    for (const unsigned int place : {0U, 1023U, 65535U}) {
+        removeFiles();
+        addTexts(*open(30), 1, 40);
+        spoil("record 20 of");
+        open(30);
+        write(lostNumbers, firstCellAt, place);
+        write(records, firstCellOfBranchAt, 0);
+        open(30);
+        const Texts found = stored();
+        const Texts all = textsDown(40, 21);
+        EXPECT_TRUE(std::equal(all.begin(), all.end(), found.begin())) << place;
+        EXPECT_THAT(found.size(), testing::AnyOf(29U, 30U)) << place;
+    }
+}
+
 TEST_F(MisleadingPage, AtTheRootOfAFullLogbookLetsItCountOverLostNumbers) {
     constexpr std::uint32_t capacity = 30;
     addTexts(*open(capacity), 1, 40);
