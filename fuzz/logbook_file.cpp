@@ -1,8 +1,8 @@
 // Any bytes as the files of a logbook: whoever reads, opens, heals, adds or salvages does so or throws a DatabaseError,
-// and soon. The first byte of an input tells how many units of 1024 bytes behind it are the database; the rest is its
-// log. Of 255 all is the database.
+// and soon.
 
 #include "TemporaryFolder.h"
+#include "preparedFiles.h"
 #include "require.h"
 
 #include <lgb/IDatabase.h>
@@ -41,18 +41,6 @@ void prepareEnvironment() {
     const rlimit fileSize{mostBytes, mostBytes};
     setrlimit(RLIMIT_FSIZE, &fileSize);
     std::signal(SIGXFSZ, SIG_IGN);
-}
-
-void makeFiles(const std::filesystem::path& database, const std::string& input) {
-    constexpr std::size_t unitBytes = 1024;
-    constexpr unsigned char all = 255;
-    const unsigned char units = input.empty() ? all : static_cast<unsigned char>(input.front());
-    const std::string files = input.empty() ? "" : input.substr(1);
-    const std::size_t bytes = units == all ? files.size() : std::min(files.size(), units * unitBytes);
-    support::write(database, files.substr(0, bytes));
-    if (bytes < files.size()) {
-        support::write(database.string() + "-wal", files.substr(bytes));
-    }
 }
 
 /// @return whether nothing refused the files
@@ -121,7 +109,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const support::TemporaryFolder folder;
     const standalone::SqliteDatabaseFactory factory(folder.path(), standalone::Capacity::OfNewAlone);
     const std::filesystem::path database = standalone::logbookFile(folder.path(), name);
-    makeFiles(database, std::string(data, data + size));
+    support::writePreparedFiles(database, std::string(data, data + size));
     onlyRead(folder.path(), database);
     bool isAdded = false;
     isDone([&] { isAdded = add(factory); });

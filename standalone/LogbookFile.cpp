@@ -37,6 +37,14 @@ Connection connect(const LogbookFiles& files) {
     }
 }
 
+/// What SQLite would follow, wait for or carry out.
+void requireUsable(const LogbookFiles& files) {
+    for (const std::string* const file : {&files.database, &files.log, &files.index}) {
+        stateOf(*file);
+    }
+    requireNoJournal(files);
+}
+
 /// Others of this process may still use what has lost its name, and SQLite goes on with that.
 FileState openedState(const std::string& file) {
     const auto state = stateOf(file);

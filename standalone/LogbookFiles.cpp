@@ -96,10 +96,7 @@ std::optional<FileState> stateOf(const std::string& file) {
     return stateFrom(status);
 }
 
-void requireUsable(const LogbookFiles& files) {
-    for (const std::string* const file : {&files.database, &files.log, &files.index}) {
-        stateOf(*file);
-    }
+void requireNoJournal(const LogbookFiles& files) {
     const auto journal = stateOf(files.journal);
     if (journal && journal->bytes > 0) {
         throw DatabaseError(Failure::Foreign, files.journal + ": stands beside a logbook, but is none of its files");

@@ -41,9 +41,8 @@ struct FileState {
 /// @throws DatabaseError, also for what is no regular file, which is not opened
 std::optional<FileState> stateOf(const std::string& file);
 
-/// @throws DatabaseError for what SQLite would follow, wait for or carry out: what is no regular file, and a rollback
-/// journal, which logbooks have none of
-void requireUsable(const LogbookFiles& files);
+/// @throws DatabaseError for a rollback journal, which no logbook has and SQLite would carry out
+void requireNoJournal(const LogbookFiles& files);
 
 /// @throws Fault when nothing is in a database, which SQLite takes for one without tables
 void requireNotEmpty(const FileState& database);

@@ -277,9 +277,8 @@ std::vector<std::int64_t> RecordScan::numbersIn(LogFrame::Part part) const {
 }
 
 std::int64_t RecordScan::newestIn(LogFrame::Part part) const {
-    const auto newest = std::find_if(records.rbegin(), records.rend(),
-                                     [&](const auto& record) { return pages.isIn(part, record.second.image); });
-    return newest == records.rend() ? 0 : newest->first;
+    const std::vector<std::int64_t> all = numbersIn(part);
+    return all.empty() ? 0 : all.back();
 }
 
 /// Of remains, whose further pages hold something else by now, each has a signature of its own: what two records agree

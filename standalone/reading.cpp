@@ -67,7 +67,7 @@ ReadingConnection::ReadingConnection(LogbookFiles names)
 }
 
 Connection ReadingConnection::connect() const {
-    requireUsable(files);
+    requireNoJournal(files);
     if (!before[0]) {
         throw DatabaseError(Failure::Missing, files.database + ": there is no such logbook");
     }

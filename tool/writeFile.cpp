@@ -188,10 +188,11 @@ private:
         constexpr int mostTries = 100;
         constexpr std::uint32_t names = 1000000;
         int opened = -1;
-        for (int tries = 0; tries == 0 || (opened < 0 && errno == EEXIST && tries < mostTries); ++tries) {
+        int tries = 0;
+        do {
             name = place.name + '.' + std::to_string(std::random_device()() % names);
             opened = openat(place.folder, name.c_str(), flags, 0600);
-        }
+        } while (opened < 0 && errno == EEXIST && ++tries < mostTries);
         return Descriptor(opened);
     }
 

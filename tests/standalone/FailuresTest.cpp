@@ -357,9 +357,7 @@ TEST_F(LogbookOnAFullDisk, PutsBackTheNewestThatItHasRoomFor) {
     for (int number = 1; number <= 200; ++number) {
         add(*database, large + std::to_string(number));
     }
-    for (const auto& each : {file, log, index}) {
-        std::filesystem::remove(each);
-    }
+    removeFiles();
     support::write(file, older);
     fill();
     const auto refused = refusalOf([&] { add(*database, "the next"); });

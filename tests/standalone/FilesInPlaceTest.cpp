@@ -334,7 +334,7 @@ TEST_F(LogbookOfTwoProcesses, GetsItsOldestRecordBackThatWasLostInHealing) {
 /// It is in use when a copy takes its place.
 class LogbookReplacedInUse : public SqliteLogbook {
 protected:
-    void replaceBy(const std::string& database, const std::string& itsLog) const {
+    void replaceBy(const std::string& database, const std::string& itsLog = "") const {
         removeFiles();
         support::write(file, database);
         if (!itsLog.empty()) {
@@ -387,7 +387,7 @@ protected:
         addNumbers(*database, 1, 2);
         const std::string copy = support::contentOf(file);
         addNumbers(*database, 3, 4);
-        replaceBy(copy, "");
+        replaceBy(copy);
         const auto refused = [&] {
             const Meanwhile again(
                 FileCall::Status, 1, [&] { happens(copy); }, moment);
@@ -411,7 +411,7 @@ TEST_F(LogbookReplacedAgainInUse, GoesOnWhenTheCopyIsDeleted) {
 
 TEST_F(LogbookReplacedAgainInUse, KeepsItsRecordsWhenItIsTheSameCopy) {
     for (int moment = 0; moment < moments; ++moment) {
-        EXPECT_EQ(addedWhile([this](const std::string& copy) { replaceBy(copy, ""); }, moment), countingDown(5, 1))
+        EXPECT_EQ(addedWhile([this](const std::string& copy) { replaceBy(copy); }, moment), countingDown(5, 1))
             << moment;
     }
 }
