@@ -29,9 +29,9 @@ if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   set(TQZEL_NOTHING_OPEN -Wl,--no-undefined)
 endif()
 
-# Small builds: both passes that are left out make this code larger.
+# Small builds: the passes that are left out make this code larger, and so does linking it in parts.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-  string(APPEND CMAKE_CXX_FLAGS_MINSIZEREL " -fno-ipa-sra -fno-gcse")
+  string(APPEND CMAKE_CXX_FLAGS_MINSIZEREL " -fno-ipa-sra -fno-gcse -fno-move-loop-invariants -flto-partition=one")
 endif()
 set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_RELEASE ON)
 set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_MINSIZEREL ON)

@@ -33,6 +33,9 @@ public:
     /// @param flags as of sqlite3_open_v2
     /// @throws SqliteError, as the others do
     Connection(const std::string& database, int flags);
+    Connection(Connection&& other) noexcept;
+    Connection& operator=(Connection&& other) noexcept;
+    ~Connection();
 
     sqlite3* handle() const { return connection.get(); }
 
@@ -41,10 +44,14 @@ public:
     void execute(const std::string& sql) const;
 
 private:
+    struct Files;
+
     struct Close {
-        void operator()(sqlite3* opened) const { sqlite3_close_v2(opened); }
+        void operator()(sqlite3* opened) const;
+        void operator()(Files* used) const;
     };
 
+    std::unique_ptr<Files, Close> files;
     std::unique_ptr<sqlite3, Close> connection;
 };
 

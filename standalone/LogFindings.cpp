@@ -24,7 +24,7 @@ bool isBehindAGap(const std::vector<std::int64_t>& torn, std::int64_t newest) {
 }  // namespace
 
 std::optional<std::string> LogFindings::damageOf(const Examination& logbook) const {
-    if (newestBehind > logbook.newest || isBehindAGap(torn, logbook.newest) || cleared > logbook.head.cleared) {
+    if (newest > logbook.newest || isBehindAGap(torn, logbook.newest) || cleared > logbook.head.cleared) {
         return "damaged: its log is damaged, and tells of more behind that";
     }
     if (newestKnown(logbook.head.id) > logbook.newest) {
@@ -34,7 +34,7 @@ std::optional<std::string> LogFindings::damageOf(const Examination& logbook) con
 }
 
 std::int64_t LogFindings::newestKnown(const LogbookId& logbook) const {
-    return std::max({newestBehind, cleared, mark && mark->id == logbook ? mark->newest : 0});
+    return std::max({newest, cleared, mark && mark->id == logbook ? mark->newest : 0});
 }
 
 bool isEmptied(const std::string& log) {
@@ -54,7 +54,7 @@ LogFindings lookThroughLog(const std::string& database, const std::string& log) 
         findings.isTorn = std::any_of(content.frames.begin(), content.frames.end(), [](const LogFrame& frame) {
             return frame.part == LogFrame::Part::Open || frame.part == LogFrame::Part::Behind;
         });
-        findings.newestBehind = scan.newestIn(LogFrame::Part::Behind);
+        findings.newest = std::max(scan.newestIn(LogFrame::Part::Committed), scan.newestIn(LogFrame::Part::Behind));
         findings.cleared = scan.head() ? scan.head()->cleared : 0;
         // A frame that lost its head looks older than it is.
         const bool isOpen = scan.newestIn(LogFrame::Part::Open) > scan.newestIn(LogFrame::Part::Older);

@@ -17,7 +17,7 @@ struct LogFindings {
     std::optional<LogMark> mark;      ///< of an emptied one
     bool isForeign = false;           ///< of another logbook
     bool isTorn = false;              ///< something is behind what SQLite sees
-    std::int64_t newestBehind = 0;    ///< number of a record that SQLite does not see
+    std::int64_t newest = 0;          ///< number of a record that was committed, seen by SQLite or not
     std::int64_t cleared = 0;         ///< as the log has it, seen by SQLite or not
     std::vector<std::int64_t> torn;   ///< numbers of the records in a transaction that is torn
     std::vector<FoundRecord> cutOff;  ///< records in a frame of that, or of one that looks older, the newest of all

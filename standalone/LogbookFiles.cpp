@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,7 +15,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
+#include <cstdlib>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -57,14 +59,15 @@ struct stat statusOf(const std::string& file, int descriptor) {
 }
 
 std::string folderOf(const std::string& path) {
-    std::string folder = std::filesystem::path(path).parent_path();
-    if (folder.empty()) {
-        folder = '.';
-    }
-    return folder;
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
 }
 
 }  // namespace
+
+std::string nameOf(const std::string& file) {
+    return file.substr(file.rfind('/') + 1);
+}
 
 LogbookFiles::LogbookFiles(std::string path)
     : folder(folderOf(path)),
@@ -77,10 +80,9 @@ LogbookFiles::LogbookFiles(std::string path)
       healed(database + "-healed") {}
 
 std::string pathForSqlite(const std::string& file) {
-    const std::filesystem::path folder = folderOf(file);
-    std::error_code error;  // which SQLite meets, too
-    const std::filesystem::path found = std::filesystem::canonical(folder, error);
-    return (error ? folder : found) / std::filesystem::path(file).filename();
+    const std::string folder = folderOf(file);
+    const std::unique_ptr<char, void (*)(void*)> found(realpath(folder.c_str(), nullptr), std::free);
+    return (found ? found.get() : folder) + '/' + nameOf(file);  // what keeps it from being found, SQLite meets, too
 }
 
 std::optional<FileState> stateOf(const std::string& file) {
@@ -117,20 +119,21 @@ bool stillIs(const std::string& file, const FileState& state) noexcept {
 }
 
 void makeFolder(const std::string& folder) {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(folder, error);
-    if (is_directory(status)) {
-        return;
-    }
-    if (!status_known(status)) {
-        refuse(folder, error.value());
+    struct stat status {};
+
+    if (stat(folder.c_str(), &status) == 0) {
+        if (S_ISDIR(status.st_mode)) {
+            return;
+        }
+    } else if (errno != ENOENT && errno != ENOTDIR) {
+        refuse(folder, errno);
     }
     const std::string parent = folderOf(folder);
     if (parent != folder) {
         makeFolder(parent);
     }
-    constexpr mode_t all = 0777;
-    if (mkdir(folder.c_str(), all) != 0 && errno != EEXIST) {
+    constexpr mode_t writtenByNoOthers = 0775;
+    if (mkdir(folder.c_str(), writtenByNoOthers) != 0 && errno != EEXIST) {
         const int reason = errno;
         throw DatabaseError(failureOf(reason),
                             folder + ": can't make the folder: " + std::generic_category().message(reason));
@@ -159,8 +162,10 @@ void syncFolders(const std::string& folder) {
 }
 
 std::int64_t freeBytes(const std::string& file) {
-    std::error_code unknown;  // then it is as if there were no end
-    return static_cast<std::int64_t>(std::min<std::uintmax_t>(std::filesystem::space(file, unknown).free, INT64_MAX));
+    struct statvfs space {};
+
+    const bool isKnown = statvfs(file.c_str(), &space) == 0;
+    return isKnown ? static_cast<std::int64_t>(space.f_bfree) * static_cast<std::int64_t>(space.f_frsize) : INT64_MAX;
 }
 
 void removeFile(const std::string& file) {

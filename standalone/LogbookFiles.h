@@ -23,6 +23,9 @@ struct LogbookFiles {
     std::string healed;   ///< a whole one, to take the place of a damaged one
 };
 
+/// The last part of its path.
+std::string nameOf(const std::string& file);
+
 /// The same file by a path without links to folders, none of which SQLite would follow; a URI it can't be.
 std::string pathForSqlite(const std::string& file);
 

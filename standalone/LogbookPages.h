@@ -78,6 +78,8 @@ public:
 
     std::size_t allBytes() const { return bytes; }
 
+    std::size_t logFrames() const { return content.frames.size(); }
+
     /// No row can be longer.
     std::size_t mostPayload() const { return std::min(bytes, mostRowBytes); }
 

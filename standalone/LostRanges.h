@@ -17,7 +17,7 @@ class LostRanges {
 public:
     LostRanges() = default;
 
-    /// @param ascending ranges that don't touch one another
+    /// @param ascending ranges that don't overlap
     explicit LostRanges(std::vector<LostRange> ascending) : ranges(std::move(ascending)) {}
 
     const std::vector<LostRange>& all() const { return ranges; }

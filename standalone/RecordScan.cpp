@@ -29,6 +29,7 @@ constexpr char leaf = 13;
 
 // Followed to further pages. Each copy of a page leads to those of its records, and a log may hold a hundred copies.
 constexpr std::size_t mostLinksPerPage = 256;
+constexpr std::size_t framesPerLink = 256;  // as many frames are looked at in the time of one link
 
 /// What the id of a logbook adds to the check values of its records, the same for all of them.
 std::uint32_t signatureOf(const LogbookId& id) {
@@ -145,7 +146,9 @@ void RecordScan::lookForRecord(std::string_view page, std::size_t at, const cell
         if (linksFollowed > mostLinksPerPage * (pages.allBytes() / pages.pageBytes())) {
             return;  // made to be searched for ever
         }
-        const auto payload = payloadOf(pages, page, cell, image, chain, [this](const PageImage&) { ++linksFollowed; });
+        const auto payload = payloadOf(pages, page, cell, image, chain, [this](const PageImage&) {
+            linksFollowed += 1 + pages.logFrames() / framesPerLink;
+        });
         if (const auto record = payload ? recordIn(*payload, cell.rowId) : std::nullopt) {
             candidates.push_back({cell.rowId, record->second ^ checksum(record->first, noId), image, at,
                                   cell.payloadAt + cell.localBytes, chain});

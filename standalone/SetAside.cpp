@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <filesystem>
 #include <memory>
 #include <set>
 #include <string_view>
@@ -15,18 +14,26 @@
 
 namespace standalone {
 
-SetAside::SetAside(const LogbookFiles& files)
-    : folder(files.folder), beginning(std::filesystem::path(files.database).stem().string() + ".damaged-") {}
+namespace {
+
+constexpr unsigned long mostGivenOut = 1'000'000'000;  // a name with more was made by somebody else
+
+}  // namespace
+
+SetAside::SetAside(const LogbookFiles& files) : folder(files.folder), beginning(nameOf(files.database)) {
+    beginning.resize(std::min(beginning.size(), beginning.rfind('.')));
+    beginning += ".damaged-";
+}
 
 std::string SetAside::next() const {
     const std::set<unsigned long> used = numbers();
-    return nameOf(used.empty() ? 1 : *used.rbegin() + 1);
+    return databaseOf(used.empty() ? 1 : *used.rbegin() + 1);
 }
 
 std::vector<std::string> SetAside::all() const {
     std::vector<std::string> databases;
     for (const unsigned long number : numbers()) {
-        databases.push_back(nameOf(number));
+        databases.push_back(databaseOf(number));
     }
     return databases;
 }
@@ -55,9 +62,12 @@ std::set<unsigned long> SetAside::numbers() const {
     while (const dirent* const entry = entries ? readdir(entries.get()) : nullptr) {
         const std::string_view name = entry->d_name;
         unsigned long number = 0;
-        const bool isOurs = name.substr(0, beginning.size()) == beginning;
-        if (isOurs &&
-            std::from_chars(name.data() + beginning.size(), name.data() + name.size(), number).ec == std::errc()) {
+        if (name.substr(0, beginning.size()) != beginning) {
+            continue;
+        }
+        const auto [end, error] = std::from_chars(name.data() + beginning.size(), name.data() + name.size(), number);
+        constexpr std::string_view ending = ".db";
+        if (error == std::errc() && number < mostGivenOut && std::string_view(end).substr(0, ending.size()) == ending) {
             found.insert(number);
         }
     }

@@ -30,7 +30,9 @@ public:
 private:
     std::set<unsigned long> numbers() const;
 
-    std::string nameOf(unsigned long number) const { return folder + '/' + beginning + std::to_string(number) + ".db"; }
+    std::string databaseOf(unsigned long number) const {
+        return folder + '/' + beginning + std::to_string(number) + ".db";
+    }
 
     std::string folder;
     std::string beginning;

@@ -78,6 +78,7 @@ public:
         highestFirst = (numberAt(header.data()) & 1U) != 0;
         sum.add(header.data(), 24, highestFirst);
         isHeaderWhole = isHeaderWhole && sum.isAt(header.data() + 24);
+        areSaltsSure = isHeaderWhole;
         content.pageBytes = isHeaderWhole ? numberAt(header.data() + 8) : usualPageBytes;
         if (isHeaderWhole) {
             salts.emplace(header.data() + 16);
@@ -99,12 +100,13 @@ private:
         const bool isCut = there < frame.size();
         std::fill(frame.begin() + static_cast<std::ptrdiff_t>(there), frame.end(), '\0');
         const Salts found(frame.data() + 8);
-        if (!salts) {
-            salts = found;  // the first frame is of the newest round, whatever became of the header
-        }
         sum.add(frame.data(), 8, highestFirst);
         sum.add(frame.data() + frameHeaderBytes, content.pageBytes, highestFirst);
         const bool goesOn = !isCut && sum.isAt(frame.data() + 16);
+        if (!areSaltsSure) {
+            salts = found;  // the first frames are of the newest round, whatever became of the header
+            areSaltsSure = goesOn && numberAt(frame.data()) != 0;  // which zeros do, too
+        }
         const bool isOfThisRound = found == *salts || (wasOfThisRound && goesOn);
         isWhole = isWhole && found == *salts && goesOn;
         sum = Sum(frame.data() + 16);  // the sum of the next one goes on from there, whatever became of this one
@@ -154,6 +156,7 @@ private:
     Sum sum;
     bool highestFirst = false;
     bool isHeaderWhole = false;
+    bool areSaltsSure = false;
     bool isWhole = false;
     bool wasOfThisRound = true;
 };

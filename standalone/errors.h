@@ -31,7 +31,7 @@ public:
 /// What keeps a logbook from being used, for those who do something about it.
 enum class Failure {
     Busy,         ///< another process held a lock longer than it is waited for: to be tried again
-    Full,         ///< the disk or a quota is full
+    Full,         ///< the disk or a quota is full, or one entry is more than a logbook takes
     Denied,       ///< the process lacks a right on file or folder
     ReadOnly,     ///< the medium can't be written; what it holds can be read
     Damaged,      ///< what is stored is not what was stored, and it could not be healed

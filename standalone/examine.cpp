@@ -68,6 +68,10 @@ void requireLogbook(Connection& connection) {
 }
 
 void requireStructure(Connection& connection) {
+    constexpr std::int64_t mostPages = std::int64_t{1} << 24;  // for a list of which there is memory
+    if (numberFrom(connection, "PRAGMA page_count") > mostPages) {
+        refuseAsDamaged("it can't have so many pages");
+    }
     const std::string found = textFrom(connection, "PRAGMA integrity_check(1)");
     if (found != "ok") {
         refuseAsDamaged(found.substr(found.rfind('\n') + 1));
@@ -196,6 +200,33 @@ void requireHeader(Connection& connection) {
     }
 }
 
+namespace {
+
+/// SQLite says of sizes that can't be, too, that there is no memory for them.
+bool isMemoryLeft() {
+    void* const some = sqlite3_malloc(1 << 20);
+    sqlite3_free(some);
+    return some != nullptr;
+}
+
+/// Before anything else needs them, as SQLite reads them all, however many there are.
+void readTables(Connection& connection) {
+    constexpr int steps = 1000;  // more than for those of a logbook many times over
+    sqlite3_progress_handler(
+        connection.handle(), steps, [](void*) { return 1; }, nullptr);
+    try {
+        connection.execute("SELECT 1 FROM sqlite_master LIMIT 0");
+    } catch (const SqliteError& met) {
+        if (met.outcome() == SQLITE_INTERRUPT || (met.outcome() == SQLITE_NOMEM && isMemoryLeft())) {
+            refuseAsDamaged("its tables are not those of a logbook");
+        }
+        throw;
+    }
+    sqlite3_progress_handler(connection.handle(), 0, nullptr, nullptr);
+}
+
+}  // namespace
+
 void distrust(Connection& connection) {
     sqlite3* const handle = connection.handle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
@@ -204,6 +235,7 @@ void distrust(Connection& connection) {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, static_cast<int>(mostRowBytes));
     connection.execute("PRAGMA cell_size_check = ON");
+    readTables(connection);
 }
 
 namespace {

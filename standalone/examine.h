@@ -28,11 +28,8 @@ LostRanges lostOf(Connection& connection);
 void writeHead(Connection& connection, const LogbookHead& head);
 
 /// Settings under which nothing that a file says of itself is carried out.
+/// @throws SqliteError; Fault, when it has more tables than SQLite should read
 void distrust(Connection& connection);
-
-/// What SQLite would take for a database that is not yet made.
-/// @throws DatabaseError without a file's name, when it is damaged that way
-void requireContent(const std::string& file);
 
 /// Compares a file with exactly what a logbook is, before anything in it is believed. Only reads. Within a transaction
 /// of its own, or what it sees may be half of what another process is making.

@@ -81,8 +81,11 @@ bool isSound(const Selection& selection, std::size_t width) {
 
 /// Prints which damaged files were set aside when the logbook was healed.
 void listSetAside(const Selection& selection, std::size_t width) {
-    for (const std::filesystem::path& file : standalone::filesSetAside(fileOf(selection))) {
-        std::cout << item("set aside when it was damaged: " + printable(file.string()), width);
+    try {
+        for (const std::filesystem::path& file : standalone::filesSetAside(fileOf(selection))) {
+            std::cout << item("set aside when it was damaged: " + printable(file.string()), width);
+        }
+    } catch (const standalone::DatabaseError&) {  // of the folder, as the logbook's line has told
     }
 }
 

@@ -33,7 +33,7 @@ namespace {
 // Index is the standing.
 constexpr const char* standingNames[] = {"shown", "service only", "wordless", "unreadable", "damaged", "lost"};
 
-constexpr unsigned int recordsAtOnce = 256;
+constexpr unsigned int recordsAtOnce = 16;  // any of which may be of 1 MiB
 
 std::string wordsOf(const Entry& entry) {
     return lgb::DescriptionCreator().createText({static_cast<std::uint32_t>(entry.code), entry.type},

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "exportLine.h"
+#include "foundFile.h"
 #include "logbooks.h"
 #include "output.h"
 #include "progress.h"
@@ -11,13 +12,17 @@
 
 #include <fmt/format.h>
 
-#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <deque>
-#include <filesystem>
-#include <fstream>
+#include <ext/stdio_filebuf.h>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -36,7 +41,7 @@ namespace {
 /// @return how many had to be left out, being damaged
 std::int64_t exportTo(std::ostream& stream, bool seen, standalone::LogbookReader& reader) {
     Progress progress(reader.count());
-    constexpr unsigned int linesAtOnce = 256;
+    constexpr unsigned int linesAtOnce = 16;  // any of which may be of 1 MiB
     std::int64_t damaged = 0;
     std::vector<StoredRecord> records = reader.after(0, linesAtOnce);
     while (!records.empty() && stream) {
@@ -52,15 +57,6 @@ std::int64_t exportTo(std::ostream& stream, bool seen, standalone::LogbookReader
     }
     stream.flush();
     return damaged;
-}
-
-/// @param file and number of the line, for the error
-DatabaseRecord recordAt(const std::string& line, const std::string& file, std::int64_t number) {
-    try {
-        return recordOf(line);
-    } catch (const std::exception& exception) {
-        throw std::runtime_error(fmt::format("{}: line {}: {}; nothing was imported", file, number, exception.what()));
-    }
 }
 
 /// Some programs begin a text with U+FEFF.
@@ -79,6 +75,30 @@ bool couldNotBeRead(const std::istream& stream) {
     return stream.bad() || (&stream == &std::cin && std::ferror(stdin) != 0);
 }
 
+/// The lines of what is imported, of which none may be longer than any entry is, however it is written.
+class Lines {
+public:
+    explicit Lines(std::istream& itsStream) : stream(itsStream), bytes(new char[longest + 1]) {}
+
+    /// @return whether there is one more
+    /// @throws std::runtime_error for one that is too long
+    bool next(std::string& line) {
+        stream.getline(bytes.get(), longest + 1);
+        const auto count = static_cast<std::size_t>(stream.gcount());
+        if (stream.fail() && count == longest) {
+            throw std::runtime_error("it is longer than 8 MiB, as no entry is");
+        }
+        line.assign(bytes.get(), stream.good() ? count - 1 : count);
+        return !stream.fail();
+    }
+
+private:
+    static constexpr std::size_t longest = std::size_t{8} << 20;
+
+    std::istream& stream;
+    const std::unique_ptr<char[]> bytes;  // of which no more is touched than the longest line takes
+};
+
 /// Reads all lines; of the records the newest that the logbook can keep are added.
 void importFrom(std::istream& stream, const std::string& file, const Selection& selection) {
     const std::uint32_t capacity = capacityOf(selection);
@@ -86,24 +106,32 @@ void importFrom(std::istream& stream, const std::string& file, const Selection& 
     std::deque<DatabaseRecord> newest;
     std::int64_t number = 0;
     skipByteOrderMark(stream);
-    for (std::string line; std::getline(stream, line); progress.advance(1)) {
-        newest.push_back(recordAt(line, file, ++number));
-        if (capacity > 0 && newest.size() > capacity) {
-            newest.pop_front();
+    try {
+        Lines lines(stream);
+        for (std::string line; lines.next(line); progress.advance(1)) {
+            newest.push_back(recordOf(line));
+            ++number;
+            if (capacity > 0 && newest.size() > capacity) {
+                newest.pop_front();
+            }
         }
+    } catch (const std::exception& bad) {
+        throw std::runtime_error(fmt::format("{}: line {}: {}; nothing was imported", file, number + 1, bad.what()));
     }
     if (couldNotBeRead(stream)) {
         throw std::runtime_error(fmt::format("{}: can't be read behind line {}; nothing was imported", file, number));
     }
+    const auto kept = static_cast<std::int64_t>(newest.size());
     const bool isNew = !folderExists(selection);
     const std::int64_t dropped =
-        factoryFor(selection).addAll(databaseName(selection), capacity, {newest.begin(), newest.end()});
+        factoryFor(selection).addAll(databaseName(selection), capacity,
+                                     {std::make_move_iterator(newest.begin()), std::make_move_iterator(newest.end())});
     if (isNew) {
         tellOfNewFolder(selection);
     }
     std::cout << entries(number) << " imported";
-    if (static_cast<std::int64_t>(newest.size()) < number) {
-        std::cout << ", of which the newest " << newest.size() << " are kept";
+    if (kept < number) {
+        std::cout << ", of which the newest " << kept << " are kept";
     }
     if (dropped > 0) {
         std::cout << "; the oldest " << entries(dropped) << " of before made room";
@@ -123,16 +151,18 @@ void exportFile(const Selection& selection, const std::string& file) {
     }
 }
 
-std::ifstream openedByCaller(const std::string& file) {
+/// Of the caller's own files: not by links that others have prepared.
+Descriptor openedByCaller(const std::string& file) {
     const CallersRights callers;
-    if (std::filesystem::is_directory(file)) {
-        throw std::runtime_error(file + ": is a folder, not a file of entries");
+    try {
+        const Place place = placeOf(file);
+        if (place.found && S_ISDIR(place.found->st_mode)) {
+            throw std::runtime_error(file + ": is a folder, not a file of entries");
+        }
+        return opened(place, O_RDONLY | O_NOCTTY);
+    } catch (const Reason& reason) {
+        throw std::runtime_error(file + ": can't be read: " + std::generic_category().message(reason.error));
     }
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) {
-        throw std::runtime_error(file + ": can't be read: " + std::generic_category().message(errno));
-    }
-    return stream;
 }
 
 void importFile(const Selection& selection, const std::string& file) {
@@ -140,7 +170,10 @@ void importFile(const Selection& selection, const std::string& file) {
         importFrom(std::cin, "standard input", selection);
         return;
     }
-    std::ifstream stream = openedByCaller(file);
+    const Descriptor lines = openedByCaller(file);
+    __gnu_cxx::stdio_filebuf<char> buffer(fcntl(lines, F_DUPFD_CLOEXEC, 0),
+                                          std::ios::in | std::ios::binary);  // which closes its own
+    std::istream stream(&buffer);
     importFrom(stream, file, selection);
 }
 

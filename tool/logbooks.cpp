@@ -127,7 +127,9 @@ std::unique_ptr<lgb::ZelLogbook> open(const Selection& selection) {
 }
 
 bool isThere(const Selection& selection) {
-    return std::filesystem::exists(std::filesystem::symlink_status(fileOf(selection)));
+    std::error_code trouble;  // which opening it tells of
+    const std::filesystem::file_status status = std::filesystem::symlink_status(fileOf(selection), trouble);
+    return status.type() != std::filesystem::file_type::not_found;
 }
 
 void requireLogbook(const Selection& selection) {

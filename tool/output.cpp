@@ -53,12 +53,21 @@ bool isLogbook(const fs::path& file) {
     return bytes.substr(0, format.size()) == format && bytes.substr(applicationAt) == application;
 }
 
+/// Whether it is called as a logbook's file is, damaged ones and those that were set aside among them.
+bool isCalledLogbook(const fs::path& file) {
+    const std::string called = file.filename();
+    return std::any_of(logbookNames.begin(), logbookNames.end(), [&](const std::string& logbook) {
+        const std::string name = databaseName({"", logbook});
+        return called.rfind(name + ".db", 0) == 0 || called.rfind(name + ".damaged-", 0) == 0;
+    });
+}
+
 /// Whether it is one of any logbook's files, wherever that is.
 bool isOfSomeLogbook(const std::string& file) {
-    return std::any_of(ends.begin(), ends.end(), [&](const std::string& end) {
-        const std::size_t behind = file.size() - std::min(file.size(), end.size());
-        return file.substr(behind) == end && isLogbook(file.substr(0, behind));
-    });
+    return isCalledLogbook(file) || std::any_of(ends.begin(), ends.end(), [&](const std::string& end) {
+               const std::size_t behind = file.size() - std::min(file.size(), end.size());
+               return file.substr(behind) == end && isLogbook(file.substr(0, behind));
+           });
 }
 
 void refuseLogbook(const Selection& selection, const std::string& file) {

@@ -102,21 +102,27 @@ struct stat stateOf(const fs::path& folder) {
     return found;
 }
 
-/// In a sticky folder only the owner of something gives it another name.
-bool isAnybodys(const struct stat& folder, bool mayBeSticky) {
-    return (folder.st_mode & S_IWOTH) != 0 && !(mayBeSticky && (folder.st_mode & S_ISVTX) != 0);
+bool isAnybodys(const struct stat& folder) {
+    return (folder.st_mode & S_IWOTH) != 0;
+}
+
+/// Whether others than root and the user give what is in it another name; in a sticky one only its owner does. A user's
+/// own groups matter to that user alone, as whoever swaps a folder only leads to another that the user may use.
+bool isChangedByOthers(const struct stat& folder, uid_t user) {
+    const bool isAGroups = user == root && folder.st_gid != root && (folder.st_mode & S_IWGRP) != 0;
+    const bool isSticky = (folder.st_mode & S_ISVTX) != 0;
+    return (folder.st_uid != root && folder.st_uid != user) || ((isAnybodys(folder) || isAGroups) && !isSticky);
 }
 
 /// @param folder without links
 void requireToStay(const fs::path& folder, uid_t user, OwnersRights::Use use) {
-    if (user == root && use == OwnersRights::Use::OfLogbooks && isAnybodys(stateOf(folder), false)) {
+    if (user == root && use == OwnersRights::Use::OfLogbooks && isAnybodys(stateOf(folder))) {
         throw std::runtime_error(folder.string() +
                                  ": anybody may write to this folder of root's; root does not use it");
     }
     for (fs::path above = folder; above.has_relative_path();) {
         above = above.parent_path();
-        const struct stat found = stateOf(above);
-        if ((found.st_uid != root && found.st_uid != user) || isAnybodys(found, true)) {
+        if (isChangedByOthers(stateOf(above), user)) {
             throw std::runtime_error(folder.string() +
                                      ": root does not use a folder that others can replace, as they can in " +
                                      above.string());

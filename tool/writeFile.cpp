@@ -1,121 +1,25 @@
 #include "writeFile.h"
 
+#include "foundFile.h"
 #include "rights.h"
 
 #include <fcntl.h>
-#include <linux/magic.h>
 #include <sys/stat.h>
-#include <sys/vfs.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <climits>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <ext/stdio_filebuf.h>
-#include <filesystem>
 #include <optional>
 #include <random>
 #include <stdexcept>
 #include <system_error>
-#include <utility>
 
 namespace tool {
 
-namespace fs = std::filesystem;
-
 namespace {
-
-using FileState = struct stat;
-
-/// Why a file can't be written.
-struct Reason {
-    int error;
-};
-
-class Descriptor {
-public:
-    explicit Descriptor(int opened) : number(opened) {
-        if (number < 0) {
-            throw Reason{errno};
-        }
-    }
-
-    Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
-
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    Descriptor& operator=(Descriptor&&) = delete;
-
-    ~Descriptor() {
-        if (number >= 0) {
-            close(number);
-        }
-    }
-
-    operator int() const { return number; }  // NOLINT(google-explicit-constructor): it is one
-
-private:
-    int number;
-};
-
-void require(bool succeeds) {
-    if (!succeeds) {
-        throw Reason{errno};
-    }
-}
-
-/// Where a file is, or is to be: a folder that is open, so that nobody puts another in its place, and a name in it.
-struct Place {
-    Descriptor folder;
-    std::string name;
-    std::optional<FileState> found;
-};
-
-Place placeIn(const fs::path& file) {
-    const fs::path folder = file.has_parent_path() ? file.parent_path() : ".";
-    Place place{Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)),
-                file.has_filename() ? file.filename() : ".", std::nullopt};
-    FileState found{};
-    if (fstatat(place.folder, place.name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0) {
-        place.found = found;
-    } else {
-        require(errno == ENOENT);
-    }
-    return place;
-}
-
-/// Whether its links lead to what a program has open.
-bool isOfProcesses(const Descriptor& folder) {
-    struct statfs system {};
-
-    return fstatfs(folder, &system) == 0 && system.f_type == PROC_SUPER_MAGIC;
-}
-
-std::string targetOf(const Place& link) {
-    std::array<char, PATH_MAX> target{};
-    const ssize_t length = readlinkat(link.folder, link.name.c_str(), target.data(), target.size());
-    require(length >= 0);
-    return {target.data(), static_cast<std::size_t>(length)};
-}
-
-/// Follows links, but none that somebody else may have prepared.
-Place placeOf(fs::path file) {
-    constexpr int mostLinks = 40;
-    for (int links = 0; links < mostLinks; ++links) {
-        Place place = placeIn(file);
-        if (!place.found || !S_ISLNK(place.found->st_mode) || isOfProcesses(place.folder)) {
-            return place;
-        }
-        if (place.found->st_uid != 0 && place.found->st_uid != geteuid()) {
-            throw std::runtime_error(file.string() + ": can't be written: it is somebody else's link");
-        }
-        file = file.parent_path() / targetOf(place);
-    }
-    throw Reason{ELOOP};
-}
 
 /// Not by its name, which may stand for another file by now.
 void writeThrough(int descriptor, const Writer& write) {
@@ -141,7 +45,7 @@ void removePart(int signal) {
 }
 
 void onEnd(void (*handle)(int signal)) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ}) {
         const auto before = std::signal(signal, handle);
         if (before == SIG_IGN) {
             std::signal(signal, SIG_IGN);
@@ -222,7 +126,7 @@ void replace(const Place& place, const Writer& write) {
 /// Behind what a shell has collected in it.
 void append(const Place& place, const Writer& write) {
     std::optional<CallersRights> callers(std::in_place);
-    const Descriptor file(openat(place.folder, place.name.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file = opened(place, O_WRONLY | O_APPEND | O_NOCTTY);
     callers.reset();
     writeThrough(file, write);
 }

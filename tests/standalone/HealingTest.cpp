@@ -1,6 +1,7 @@
 // What damage does to a logbook, and what is left of it.
 
 #include "Hurry.h"
+#include "JournalOfOthers.h"
 #include "Meanwhile.h"
 #include "SqliteLogbook.h"
 
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace {
 
@@ -718,8 +720,10 @@ TEST_F(DamagedLogbook, IsHealedWhenItsLogTellsOfPagesThatCanNotBe) {
 
 TEST_F(DamagedLogbook, IsSetAsideBesideFilesOfOthersWithSuchNames) {
     addTexts(*open(), 1, 3);
-    const std::vector<std::filesystem::path> others = {folder / "lgbTest.damaged-x.db",
-                                                       folder / "lgbTest.damaged-99999999999999999999999.db"};
+    const std::string last = std::to_string(std::numeric_limits<unsigned long>::max());
+    const std::vector<std::filesystem::path> others = {
+        folder / "lgbTest.damaged-x.db", folder / "lgbTest.damaged-99999999999999999999999.db",
+        folder / ("lgbTest.damaged-" + last + ".db"), folder / "lgbTest.damaged-7.txt"};
     for (const auto& other : others) {
         support::write(other, "other");
     }
@@ -729,6 +733,51 @@ TEST_F(DamagedLogbook, IsSetAsideBesideFilesOfOthersWithSuchNames) {
         EXPECT_EQ(support::contentOf(other), "other");
     }
     EXPECT_TRUE(std::filesystem::exists(aside(1)));
+}
+
+TEST_F(DamagedLogbook, CarriesOutNoJournalForWhatIsSetAside) {
+    addTexts(*open(), 1, 3);
+    const std::filesystem::path precious = folder / "precious";
+    support::write(precious, "precious");
+    const support::JournalOfOthers race(".damaged-1.db", precious);
+    spoil("record 2 of");
+    open();
+    EXPECT_TRUE(std::filesystem::exists(aside(1, "-journal")));
+    EXPECT_EQ(support::contentOf(precious), "precious");
+}
+
+TEST_F(DamagedLogbook, BringsBackWhatIsInALogWithoutItsBeginning) {
+    for (const auto& [bytes, byte] : {std::pair<std::size_t, char>{512, '\0'}, {60, '\xff'}, {4096, '\0'}}) {
+        addAndBeKilled(1, 30);
+        std::string content = support::contentOf(log);
+        support::write(log, content.replace(0, bytes, bytes, byte));
+        EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("; healed with 30 records")) << bytes;
+        EXPECT_EQ(stored(), textsDown(30, 1)) << bytes;
+        removeFiles();
+    }
+}
+
+/// Whatever SQLite makes of them: of some of these it says that there is no memory for them.
+TEST_F(DamagedLogbook, IsHealedWhereverItsTablesAreDamaged) {
+    addTexts(*open(), 1, 3);
+    const std::string before = support::contentOf(file);
+    for (std::size_t at = 400; at < pageBytes - 40; at += 7) {
+        std::string content = before;
+        removeFiles();
+        support::write(file, content.replace(at, 40, 40, '\xff'));
+        addTexts(*open(), 4, 4);
+        EXPECT_EQ(stored(), textsDown(4, 1)) << at;
+    }
+}
+
+TEST_F(DamagedLogbook, IsHealedWhenItIsAnOlderCopyBesideItsLog) {
+    addTexts(*open(), 1, 40);
+    const std::string older = support::contentOf(file);
+    addTexts(*open(), 41, 141);
+    addAndBeKilled(142, 142);
+    support::write(file, older);
+    EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("; healed with"));
+    EXPECT_EQ(stored().front(), text(142));
 }
 
 TEST_F(DamagedLogbook, KeepsItsRecordsWhenNothingTellsItsId) {

@@ -1,8 +1,10 @@
 #include "DatabaseContract.h"
+#include "JournalOfOthers.h"
 #include "SqliteLogbook.h"
 #include "SystemCall.h"
 #include "calls.h"
 
+#include <standalone/LogbookReader.h>
 #include <tqbase2/system/Exception.h>
 
 #include <SQLiteCpp/Database.h>
@@ -302,6 +304,22 @@ TEST_F(SqliteDatabase, RefusesARollbackJournalBesideIt) {
     support::write(file.string() + "-journal", "x");
     EXPECT_EQ(refusal(), (Refusal{Failure::Foreign,
                                   file.string() + "-journal: stands beside a logbook, but is none of its files"}));
+}
+
+TEST_F(SqliteDatabase, CarriesOutNoRollbackJournalThatAppearsMeanwhile) {
+    add(*open(), "a");
+    const std::filesystem::path precious = folder / "precious";
+    support::write(precious, "precious");
+    for (const bool isWriter : {true, false}) {
+        const support::JournalOfOthers race("lgbTest.db", precious);
+        try {
+            isWriter ? static_cast<void>(open()) : static_cast<void>(standalone::LogbookReader(file));
+        } catch (const standalone::DatabaseError& error) {
+            EXPECT_EQ(error.kind(), Failure::Foreign) << error.what();
+        }
+        EXPECT_EQ(support::contentOf(precious), "precious") << isWriter;
+        std::filesystem::remove(file.string() + "-journal");
+    }
 }
 
 TEST_F(SqliteDatabase, RefusesWhatIsNoRegularFile) {

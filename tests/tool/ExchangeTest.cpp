@@ -180,6 +180,14 @@ TEST_F(Exchange, TellsOfDamagedEntriesItLeavesOut) {
                                   ": 1 damaged entry was left out; all others were exported\n");
 }
 
+TEST_F(Exchange, RefusesALineThatIsLongerThanAnyEntry) {
+    constexpr std::size_t eightMebibytes = std::size_t{8} << 20;
+    EXPECT_THAT(refusal(line + std::string(eightMebibytes, ' ') + '\n'), HasSubstr(": line 2: is no JSON object;"));
+    EXPECT_EQ(refusal(line + std::string(eightMebibytes + 1, ' ') + '\n'),
+              "tqzel-logbook: " + (elsewhere / "lines").string() +
+                  ": line 2: it is longer than 8 MiB, as no entry is; nothing was imported\n");
+}
+
 TEST_F(Exchange, SpoilsNeitherTheLogbookNorAnOlderExport) {
     storeEvening();
     const std::string file = customerFile();
@@ -203,9 +211,13 @@ TEST_F(Exchange, SpoilsNeitherTheLogbookNorAnOlderExport) {
 TEST_F(Exchange, SpoilsNoLogbookOfAnotherFolder) {
     storeEvening();
     standalone::SqliteDatabaseFactory(elsewhere.path()).addAll("lgbCustomer", 0, {});
-    const auto before = support::filesOf(elsewhere.path());
     const std::string file = elsewhere / "lgbCustomer.db";
-    for (const std::string& output : {file, file + "-wal", file + "-lock", file + "-healed"}) {
+    const std::string renamed = elsewhere / "renamed";
+    std::filesystem::copy_file(file, renamed);
+    const auto before = support::filesOf(elsewhere.path());
+    for (const std::string& output :
+         {file, file + "-wal", file + "-lock", file + "-healed", renamed,
+          (elsewhere / "lgbCustomer.damaged-1.db").string(), (folder / "lgbService.damaged-3.db-wal").string()}) {
         EXPECT_EQ(wrongUse("export customer --output " + output),
                   "tqzel-logbook: --output: " + output + " is a logbook, or one of its files\n");
     }

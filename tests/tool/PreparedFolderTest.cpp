@@ -1,7 +1,11 @@
 // Folders and files that somebody has prepared for those who look into them or write there.
 
 #include "ToolFixture.h"
+#include "journal.h"
 #include "preparedFiles.h"
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -13,7 +17,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <numeric>
 #include <string>
 #include <vector>
 
@@ -149,36 +152,12 @@ INSTANTIATE_TEST_SUITE_P(PreparedFolder, OddFile,
                                          Oddity{"ADevice", true, makeDevice}, Oddity{"AFolder", false, makeFolder}),
                          [](const auto& oddity) { return oddity.param.name; });
 
-/// The bytes of a number, the highest first.
-std::string bytesOf(std::uint32_t number) {
-    std::string bytes;
-    for (const unsigned int shift : {24U, 16U, 8U, 0U}) {
-        bytes += static_cast<char>(number >> shift);
-    }
-    return bytes;
-}
-
-/// A rollback journal of no pages that names another, which SQLite deletes once it has rolled back.
-std::string journalNaming(const std::string& another) {
-    const std::string magic = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
-    constexpr std::uint32_t sectorBytes = 512;
-    constexpr std::uint32_t pageBytes = 1024;
-    constexpr std::uint32_t pageOfLocks = 0x40000000 / pageBytes + 1;
-    std::string journal = magic + bytesOf(0) + bytesOf(0) + bytesOf(1) + bytesOf(sectorBytes) + bytesOf(pageBytes);
-    journal.resize(sectorBytes, '\0');
-    const auto sum =
-        std::accumulate(another.begin(), another.end(), std::uint32_t{0},
-                        [](std::uint32_t all, char byte) { return all + static_cast<unsigned char>(byte); });
-    return journal + bytesOf(pageOfLocks) + another + bytesOf(static_cast<std::uint32_t>(another.size())) +
-           bytesOf(sum) + magic;
-}
-
 TEST_F(PreparedFolder, WithAJournalThatNamesAFileLeavesItThere) {
     storeEvening();
     const fs::path precious = elsewhere / "precious";
     support::write(precious, "precious");
     const fs::path journal = customerFile().string() + "-journal";
-    support::write(journal, journalNaming(precious.string()));
+    support::write(journal, support::journalNaming(precious.string()));
     expectAllRefused(journal.string() + ": stands beside a logbook, but is none of its files\n");
     EXPECT_EQ(support::contentOf(precious), "precious");
 }
@@ -192,6 +171,25 @@ TEST_F(PreparedFolder, IsTheOneThatItsNameSaysToReadersAndWriters) {
         EXPECT_THAT(output("show service" + byPath), HasSubstr("first"));
         EXPECT_EQ(output("add service info --text second" + byPath), "");
         EXPECT_THAT(support::run(fromBeside + "show service").output, HasSubstr("second")) << name;
+    }
+}
+
+TEST_F(PreparedFolder, ThatMayNotBeEnteredIsNamedInAPlainSentence) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root becomes somebody else";
+    }
+    storeEvening();
+    chmod(folder.path().c_str(), 0700);
+    const std::string bySomebody = "setpriv --reuid=65533 --regid=65533 --clear-groups env ";
+    for (const auto* const commands : {&readingCommands, &writingCommands}) {
+        for (const std::string& arguments : *commands) {
+            const support::Outcome outcome = support::run(bySomebody + command(arguments) + " </dev/null");
+            EXPECT_EQ(outcome.exitCode, 1) << arguments;
+            EXPECT_THAT(outcome.output + outcome.errors,
+                        AllOf(HasSubstr(folder.path().string() + "/lgbCustomer.db"), HasSubstr(": Permission denied\n"),
+                              Not(HasSubstr("filesystem error"))))
+                << arguments;
+        }
     }
 }
 
@@ -227,6 +225,33 @@ TEST_F(PreparedFiles, AreReadOrRefusedInOneLineAndLeftAsTheyAre) {
         }
         EXPECT_EQ(files(), before) << input;
     }
+}
+
+/// Five million columns, for which SQLite would take more memory than there is.
+TEST_F(PreparedFiles, OfManyTablesTakeLittleMemory) {
+    storeEvening();
+    {
+        SQLite::Database prepared(customerFile(), SQLite::OPEN_READWRITE);
+        prepared.exec("PRAGMA writable_schema = ON; BEGIN");
+        std::string columns = "a";
+        for (int column = 1; column < 1900; ++column) {
+            columns += ",a" + std::to_string(column);
+        }
+        SQLite::Statement add(prepared, "INSERT INTO sqlite_master VALUES ('table', ?1, ?1, 2, ?2)");
+        for (int table = 0; table < 2600; ++table) {
+            const std::string name = "t" + std::to_string(table);
+            add.bind(1, name);
+            add.bind(2, "CREATE TABLE " + name + " (" + columns + ")");
+            add.exec();
+            add.reset();
+        }
+        prepared.exec("COMMIT");
+    }
+    for (const std::string& arguments : readingCommands) {
+        expectRefused(arguments, "its tables are not those of a logbook");
+    }
+    EXPECT_EQ(limited("add customer info 20").exitCode, 0);
+    EXPECT_THAT(limited("check customer").output, HasSubstr(": sound, "));
 }
 
 TEST_F(PreparedFiles, AreWrittenToSoundlyOrRefused) {

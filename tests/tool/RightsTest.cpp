@@ -2,6 +2,7 @@
 
 #include "ToolFixture.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -49,6 +50,7 @@ TEST_F(FolderOfSomebody, GetsFilesThatTheyCanWrite) {
     add("service info --text noted");
     for (const auto& entry : fs::directory_iterator(folder.path())) {
         EXPECT_EQ(stateOf(entry.path()).st_uid, somebody) << entry.path();
+        EXPECT_NE(stateOf(entry.path()).st_gid, 0U) << entry.path();
         EXPECT_EQ(stateOf(entry.path()).st_mode & 0007, 0U) << entry.path();
     }
 }
@@ -94,6 +96,24 @@ TEST_F(FolderOfSomebody, TakesWhatItsCallerImportsFromElsewhere) {
     add("service info --text noted");
     output("export service --output " + (mine / "lines").string());
     EXPECT_EQ(output("import service " + (mine / "lines").string()), "1 entry imported.\n");
+}
+
+TEST_F(FolderOfSomebody, LetsItsCallerImportNothingThroughTheirLink) {
+    support::write(mine / "lines", "of root");
+    link(folder / "lines", mine / "lines");
+    EXPECT_EQ(failure("import service " + (folder / "lines").string()),
+              "tqzel-logbook: " + (folder / "lines").string() + ": is somebody else's link, and not followed\n");
+}
+
+TEST_F(FolderOfSomebody, OfRootMayNotBeReplacedByAGroup) {
+    giveTo(0, folder.path());
+    EXPECT_EQ(chown(folder.path().c_str(), 0, somebody), 0);
+    chmod(folder.path().c_str(), 0770);
+    fs::create_directory(folder / "logbooks");
+    EXPECT_EQ(failure("add service info --text noted --folder " + (folder / "logbooks").string()),
+              "tqzel-logbook: " + (folder / "logbooks").string() +
+                  ": root does not use a folder that others can replace, as they can in " + folder.path().string() +
+                  "\n");
 }
 
 TEST_F(FolderOfSomebody, MayNotBeReplacedByOthers) {
@@ -154,11 +174,12 @@ TEST_F(OutputToSomebody, NeverRunsAsAnother) {
     add("service info --text noted");
     const auto prepared = folder / "lines";
     support::write(prepared, "");
-    giveTo(somebody, prepared);
+    EXPECT_EQ(chown(prepared.c_str(), somebody, somebodyElse), 0);
     chmod(prepared.c_str(), 06777);
     EXPECT_EQ(output("export service --output " + prepared.string()), "");
     EXPECT_EQ(stateOf(prepared).st_mode & 07777, 0777U);
     EXPECT_EQ(stateOf(prepared).st_uid, somebody);
+    EXPECT_EQ(stateOf(prepared).st_gid, somebodyElse);
 }
 
 TEST_F(OutputToSomebody, FollowsNoLinkOfTheirs) {
@@ -166,7 +187,7 @@ TEST_F(OutputToSomebody, FollowsNoLinkOfTheirs) {
     support::write(mine / "precious", "precious");
     link(folder / "lines", mine / "precious");
     EXPECT_EQ(failure("export service --output " + (folder / "lines").string()),
-              "tqzel-logbook: " + (folder / "lines").string() + ": can't be written: it is somebody else's link\n");
+              "tqzel-logbook: " + (folder / "lines").string() + ": is somebody else's link, and not followed\n");
     EXPECT_EQ(support::contentOf(mine / "precious"), "precious");
 }
 
@@ -194,6 +215,32 @@ TEST_F(OutputToSomebody, IsWrittenToTheFileThatWasMade) {
     }
     kill(watcher, SIGKILL);
     EXPECT_EQ(waitpid(watcher, nullptr, 0), watcher);
+}
+
+/// What is a pipe when it is looked at is a link when it is opened.
+TEST_F(OutputToSomebody, IsAppendedToNothingButThePipeThatWasFound) {
+    add("service info --text noted");
+    const auto precious = mine / "precious";
+    support::write(precious, "precious");
+    const fs::path pipe = folder / "pipe";
+    EXPECT_EQ(mkfifo(pipe.c_str(), 0666), 0);
+    giveTo(somebody, pipe);
+    link(folder / "link", precious);
+    const int reader = open(pipe.c_str(), O_RDWR | O_NONBLOCK);
+    const pid_t swapper = fork();
+    if (swapper == 0) {
+        EXPECT_EQ(setuid(somebody), 0);
+        while (true) {
+            renameat2(AT_FDCWD, pipe.c_str(), AT_FDCWD, (folder / "link").c_str(), RENAME_EXCHANGE);
+        }
+    }
+    for (int tries = 0; tries < 100; ++tries) {
+        tool("export service --output " + pipe.string());
+        EXPECT_EQ(support::contentOf(precious), "precious");
+    }
+    kill(swapper, SIGKILL);
+    EXPECT_EQ(waitpid(swapper, nullptr, 0), swapper);
+    close(reader);
 }
 
 /// Of another user who calls the tool, not root.
