@@ -33,9 +33,9 @@ struct Connection::Files : sqlite3_vfs {
             *letter++ = static_cast<char>('a' + (address & 15));
         }
         zName = name;
-        xAccess = [](sqlite3_vfs* files, const char* file, int flags, int* outcome) {
+        xAccess = [](sqlite3_vfs* own, const char* file, int flags, int* outcome) {
             *outcome = 0;
-            sqlite3_vfs* const usual = static_cast<Files*>(files)->below;
+            sqlite3_vfs* const usual = static_cast<Files*>(own)->below;
             return isJournal(file) ? SQLITE_OK : usual->xAccess(usual, file, flags, outcome);
         };
     }

@@ -155,7 +155,7 @@ void exportFile(const Selection& selection, const std::string& file) {
 Descriptor openedByCaller(const std::string& file) {
     const CallersRights callers;
     try {
-        const Place place = placeOf(file);
+        const FilePlace place = placeOf(file);
         if (place.found && S_ISDIR(place.found->st_mode)) {
             throw std::runtime_error(file + ": is a folder, not a file of entries");
         }

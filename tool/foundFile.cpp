@@ -20,10 +20,10 @@ namespace {
 
 using FileState = struct stat;
 
-Place placeIn(const fs::path& file) {
+FilePlace placeIn(const fs::path& file) {
     const fs::path folder = file.has_parent_path() ? file.parent_path() : ".";
-    Place place{Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)),
-                file.has_filename() ? file.filename() : ".", std::nullopt};
+    FilePlace place{Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)),
+                    file.has_filename() ? file.filename() : ".", std::nullopt};
     FileState found{};
     if (fstatat(place.folder, place.name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0) {
         place.found = found;
@@ -40,7 +40,7 @@ bool isOfProcesses(const Descriptor& folder) {
     return fstatfs(folder, &system) == 0 && system.f_type == PROC_SUPER_MAGIC;
 }
 
-std::string targetOf(const Place& link) {
+std::string targetOf(const FilePlace& link) {
     std::array<char, PATH_MAX> target{};
     const ssize_t length = readlinkat(link.folder, link.name.c_str(), target.data(), target.size());
     require(length >= 0);
@@ -67,10 +67,10 @@ Descriptor::~Descriptor() {
     }
 }
 
-Place placeOf(fs::path file) {
+FilePlace placeOf(fs::path file) {
     constexpr int mostLinks = 40;
     for (int links = 0; links < mostLinks; ++links) {
-        Place place = placeIn(file);
+        FilePlace place = placeIn(file);
         if (!place.found || !S_ISLNK(place.found->st_mode) || isOfProcesses(place.folder)) {
             return place;
         }
@@ -83,7 +83,7 @@ Place placeOf(fs::path file) {
 }
 
 /// Of links only those are left that lead to what a program has open.
-Descriptor opened(const Place& place, int flags) {
+Descriptor opened(const FilePlace& place, int flags) {
     const bool isLink = place.found && S_ISLNK(place.found->st_mode);
     Descriptor file(openat(place.folder, place.name.c_str(), flags | O_CLOEXEC | (isLink ? 0 : O_NOFOLLOW)));
     FileState state{};

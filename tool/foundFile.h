@@ -34,7 +34,7 @@ private:
 };
 
 /// Where a file is, or is to be: a folder that is open, so that nobody puts another in its place, and a name in it.
-struct Place {
+struct FilePlace {
     Descriptor folder;
     std::string name;
     std::optional<struct stat> found;
@@ -42,11 +42,11 @@ struct Place {
 
 /// Follows links, but none that somebody else may have prepared.
 /// @throws Reason; std::runtime_error for such a link
-Place placeOf(std::filesystem::path file);
+FilePlace placeOf(std::filesystem::path file);
 
 /// What was found there, and nothing that somebody has put in its place meanwhile.
 /// @param flags as of open
 /// @throws Reason
-Descriptor opened(const Place& place, int flags);
+Descriptor opened(const FilePlace& place, int flags);
 
 }  // namespace tool

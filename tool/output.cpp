@@ -1,15 +1,20 @@
 #include "output.h"
 
+#include "foundFile.h"
 #include "rights.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -39,18 +44,28 @@ bool belongsTo(const fs::path& logbook, const fs::path& file) {
                        [&](const char* end) { return areSame(logbook.string() + end, file); });
 }
 
+/// What a file begins with; nothing when it is no regular one. Waits for none that somebody has put in its place.
+std::string beginningOf(const fs::path& file, std::size_t count) {
+    std::string bytes(count, '\0');
+    try {
+        const Descriptor found = opened(placeOf(file), O_RDONLY | O_NONBLOCK | O_NOCTTY);
+        bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(pread(found, bytes.data(), bytes.size(), 0), 0)));
+        return bytes;
+    } catch (const Reason&) {
+    } catch (const std::runtime_error&) {  // a link of somebody else's, which is not written to either
+    }
+    return "";
+}
+
 /// By what it begins with: SQLite's name, and ours where its format has room for one.
 bool isLogbook(const fs::path& file) {
     constexpr std::string_view format("SQLite format 3\0", 16);
     constexpr std::string_view application = "TqZL";
     constexpr std::size_t applicationAt = 68;
-    std::error_code none;
-    std::array<char, applicationAt + application.size()> begin{};
-    if (!fs::is_regular_file(file, none) || !std::ifstream(file, std::ios::binary).read(begin.data(), begin.size())) {
-        return false;
-    }
-    const std::string_view bytes(begin.data(), begin.size());
-    return bytes.substr(0, format.size()) == format && bytes.substr(applicationAt) == application;
+    const std::string begin = beginningOf(file, applicationAt + application.size());
+    const std::string_view bytes = begin;
+    return bytes.size() > applicationAt && bytes.substr(0, format.size()) == format &&
+           bytes.substr(applicationAt) == application;
 }
 
 /// Whether it is called as a logbook's file is, damaged ones and those that were set aside among them.

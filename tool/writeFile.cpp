@@ -62,7 +62,7 @@ mode_t ofNewFile() {
 /// A file beside the one that it is to replace, with a name that nobody else has.
 class Part {
 public:
-    explicit Part(const Place& replaced) : place(replaced), file(made()) {
+    explicit Part(const FilePlace& replaced) : place(replaced), file(made()) {
         folderOfPart = place.folder;
         nameOfPart = name.c_str();
         onEnd(removePart);
@@ -109,12 +109,12 @@ private:
         return place.found->st_mode & (isOwners ? 0777U : ofNewFile());
     }
 
-    const Place& place;
+    const FilePlace& place;
     std::string name;
     Descriptor file;
 };
 
-void replace(const Place& place, const Writer& write) {
+void replace(const FilePlace& place, const Writer& write) {
     std::optional<CallersRights> callers(std::in_place);
     const Part part(place);
     callers.reset();
@@ -124,14 +124,14 @@ void replace(const Place& place, const Writer& write) {
 }
 
 /// Behind what a shell has collected in it.
-void append(const Place& place, const Writer& write) {
+void append(const FilePlace& place, const Writer& write) {
     std::optional<CallersRights> callers(std::in_place);
     const Descriptor file = opened(place, O_WRONLY | O_APPEND | O_NOCTTY);
     callers.reset();
     writeThrough(file, write);
 }
 
-Place placeForCaller(const std::string& file) {
+FilePlace placeForCaller(const std::string& file) {
     const CallersRights callers;
     return placeOf(file);
 }
@@ -140,7 +140,7 @@ Place placeForCaller(const std::string& file) {
 
 void writeFile(const std::string& file, const Writer& write) {
     try {
-        const Place place = placeForCaller(file);
+        const FilePlace place = placeForCaller(file);
         const bool canBeReplaced = !place.found || S_ISREG(place.found->st_mode);
         (canBeReplaced ? replace : append)(place, write);
     } catch (const Reason& reason) {

@@ -1,8 +1,10 @@
 #include "TemporaryFolder.h"
 #include "calls.h"
 #include "child.h"
+#include "foundFile.h"
 #include "writeFile.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <gmock/gmock.h>
@@ -17,6 +19,20 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::UnorderedElementsAre;
+
+TEST(FoundFile, IsNotWhatHasTakenItsPlaceMeanwhile) {
+    const support::TemporaryFolder folder;
+    const fs::path name = folder / "file";
+    EXPECT_EQ(mkfifo(name.c_str(), 0600), 0);
+    const tool::FilePlace place = tool::placeOf(name);
+    support::write(folder / "precious", "precious");
+    fs::remove(name);
+    fs::create_symlink(folder / "precious", name);
+    EXPECT_THROW(tool::opened(place, O_WRONLY), tool::Reason);
+    fs::remove(name);
+    fs::create_hard_link(folder / "precious", name);
+    EXPECT_THROW(tool::opened(place, O_WRONLY), tool::Reason);
+}
 
 class WriteFile : public testing::Test {
 protected:
