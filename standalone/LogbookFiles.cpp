@@ -63,6 +63,14 @@ std::string folderOf(const std::string& path) {
     return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
 }
 
+/// Whether all of a group are to write to what is in a folder, whatever their own settings for new files.
+bool isOfGroup(const std::string& folder) {
+    struct stat status {};
+
+    constexpr mode_t givenToGroup = S_ISGID | S_IWGRP;
+    return stat(folder.c_str(), &status) == 0 && (status.st_mode & givenToGroup) == givenToGroup;
+}
+
 }  // namespace
 
 std::string nameOf(const std::string& file) {
@@ -187,6 +195,9 @@ void renameFile(const std::string& from, const std::string& to, bool replaces) {
 OpenFile::OpenFile(std::string file, int flags) : name(std::move(file)), descriptor(opened(name, flags)) {
     try {
         requireRegular(name, statusOf(name, descriptor));
+        if ((flags & O_CREAT) != 0 && isOfGroup(folderOf(name))) {
+            static_cast<void>(fchmod(descriptor, forOwnerAndGroup));  // what somebody else has made before has it
+        }
     } catch (...) {
         close(descriptor);
         throw;

@@ -42,8 +42,7 @@ public:
     /// @param first has no meaning here
     /// @param second capacity in records, beyond which the oldest is dropped; 0: unlimited
     /// @throws DatabaseError, here and from the database, naming the file and the reason. A damaged logbook is healed;
-    /// a
-    ///         file that is not a logbook, or was written by newer software, is left as it is.
+    /// a file that is not a logbook, or was written by newer software, is left as it is.
     std::unique_ptr<lgb::IDatabase> create(const char* name, std::uint32_t first, std::uint32_t second) const override;
 
     /// Adds records to a logbook, oldest first, all of them or, when it throws, none. Makes the logbook when missing,

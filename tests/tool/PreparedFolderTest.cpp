@@ -239,9 +239,8 @@ TEST_F(PreparedFiles, OfManyTablesTakeLittleMemory) {
         }
         SQLite::Statement add(prepared, "INSERT INTO sqlite_master VALUES ('table', ?1, ?1, 2, ?2)");
         for (int table = 0; table < 2600; ++table) {
-            const std::string name = "t" + std::to_string(table);
-            add.bind(1, name);
-            add.bind(2, "CREATE TABLE " + name + " (" + columns + ")");
+            add.bind(1, fmt::format("t{}", table));
+            add.bind(2, fmt::format("CREATE TABLE t{} ({})", table, columns));
             add.exec();
             add.reset();
         }

@@ -147,8 +147,8 @@ TEST_F(FolderOfSomebody, IsShownToRootByAPagerThatRunsNothing) {
 TEST_F(FolderOfSomebody, IsForItsGroupWhenItSaysSoAndNeverForOthers) {
     EXPECT_EQ(chown(folder.path().c_str(), somebody, somebodyElse), 0);
     chmod(folder.path().c_str(), 02770);
-    const std::string asMember = "umask 002; setpriv --reuid=65531 --regid=65532 --clear-groups env ";
-    EXPECT_EQ(support::run("umask 002; " + command("add service info --text first")).exitCode, 0);
+    const std::string asMember = "umask 077; setpriv --reuid=65531 --regid=65532 --clear-groups env ";
+    EXPECT_EQ(support::run("umask 022; " + command("add service info --text first")).exitCode, 0);
     EXPECT_EQ(support::run(asMember + command("add service info --text second")).exitCode, 0);
     EXPECT_THAT(output("show service --count 1"), HasSubstr("second"));
     for (const auto& entry : fs::directory_iterator(folder.path())) {
