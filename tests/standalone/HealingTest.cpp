@@ -770,6 +770,14 @@ TEST_F(DamagedLogbook, IsHealedWhereverItsTablesAreDamaged) {
     }
 }
 
+TEST_F(DamagedLogbook, IsHealedWhenItsLogClaimsPagesWithoutEnd) {
+    addTexts(*open(), 1, 3);
+    std::filesystem::remove(file.string() + "-shm");
+    support::write(log, support::logClaiming(0xfffffffe, support::contentOf(file).substr(0, pageBytes)));
+    EXPECT_THAT(toldBy([this] { open(); }), HasSubstr("damaged: it can't have so many pages; healed with 3 records"));
+    EXPECT_EQ(stored(), textsDown(3, 1));
+}
+
 TEST_F(DamagedLogbook, IsHealedWhenItIsAnOlderCopyBesideItsLog) {
     addTexts(*open(), 1, 40);
     const std::string older = support::contentOf(file);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <numeric>
 #include <string>
@@ -28,6 +29,45 @@ inline std::string journalNaming(const std::string& another) {
                         [](std::uint32_t all, char byte) { return all + static_cast<unsigned char>(byte); });
     return journal + bytesOf(pageOfLocks) + another + bytesOf(static_cast<std::uint32_t>(another.size())) +
            bytesOf(sum) + magic;
+}
+
+/// SQLite's running sum over a log whose numbers begin with their highest byte.
+class LogSum {
+public:
+    /// @return the sum as it is stored, after these bytes too
+    std::string over(const std::string& bytes) {
+        for (std::size_t at = 0; at < bytes.size(); at += 8) {
+            first += numberAt(bytes, at) + second;
+            second += numberAt(bytes, at + 4) + first;
+        }
+        return bytesOf(first) + bytesOf(second);
+    }
+
+private:
+    static std::uint32_t numberAt(const std::string& bytes, std::size_t at) {
+        std::uint32_t number = 0;
+        for (const char byte : bytes.substr(at, 4)) {
+            number = number << 8 | static_cast<unsigned char>(byte);
+        }
+        return number;
+    }
+
+    std::uint32_t first = 0;
+    std::uint32_t second = 0;
+};
+
+/// A log that is sound to SQLite, of one frame: the first page, which says that the database has so many.
+inline std::string logClaiming(std::uint32_t pages, std::string firstPage) {
+    constexpr std::size_t pagesAt = 28;
+    firstPage.replace(pagesAt, 4, bytesOf(pages));
+    const std::string salts = bytesOf(1) + bytesOf(2);
+    const std::string begin = bytesOf(0x377f0683) + bytesOf(3007000) +
+                              bytesOf(static_cast<std::uint32_t>(firstPage.size())) + bytesOf(0) + salts;
+    LogSum sum;
+    const std::string log = begin + sum.over(begin);
+    const std::string frame = bytesOf(1) + bytesOf(pages);
+    sum.over(frame);
+    return log + frame + salts + sum.over(firstPage) + firstPage;
 }
 
 }  // namespace support
