@@ -52,8 +52,6 @@ void Connection::Close::operator()(Files* used) const {
     delete used;
 }
 
-Connection::Connection(Connection&& other) noexcept = default;
-
 Connection& Connection::operator=(Connection&& other) noexcept {
     connection = std::move(other.connection);  // before what it uses
     files = std::move(other.files);

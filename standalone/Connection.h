@@ -33,7 +33,6 @@ public:
     /// @param flags as of sqlite3_open_v2
     /// @throws SqliteError, as the others do
     Connection(const std::string& database, int flags);
-    Connection(Connection&& other) noexcept;
     Connection& operator=(Connection&& other) noexcept;
     ~Connection();
 
