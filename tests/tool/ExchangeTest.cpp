@@ -138,8 +138,10 @@ TEST_F(Exchange, NamesAFileThatCanNotBeReadOrWritten) {
     storeEvening();
     EXPECT_EQ(failure("import customer /nowhere/lines"),
               "tqzel-logbook: /nowhere/lines: can't be read: No such file or directory\n");
-    EXPECT_EQ(failure("import customer " + elsewhere.path().string()),
-              "tqzel-logbook: " + elsewhere.path().string() + ": is a folder, not a file of entries\n");
+    const std::string inner = elsewhere / "inner";
+    std::filesystem::create_directory(inner);
+    EXPECT_EQ(failure("import customer " + inner),
+              "tqzel-logbook: " + inner + ": is a folder, not a file of entries\n");
     EXPECT_EQ(failure("export customer --output /nowhere/lines"),
               "tqzel-logbook: /nowhere/lines: can't be written: No such file or directory\n");
     EXPECT_EQ(failure("export customer --output /dev/full"),
