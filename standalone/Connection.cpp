@@ -44,14 +44,6 @@ struct Connection::Files : sqlite3_vfs {
     char name[2 * sizeof(void*) + 1] = {};  // others may be opening at the same time
 };
 
-void Connection::Close::operator()(sqlite3* opened) const {
-    sqlite3_close_v2(opened);
-}
-
-void Connection::Close::operator()(Files* used) const {
-    delete used;
-}
-
 Connection& Connection::operator=(Connection&& other) noexcept {
     connection = std::move(other.connection);  // before what it uses
     files = std::move(other.files);
@@ -60,7 +52,7 @@ Connection& Connection::operator=(Connection&& other) noexcept {
 
 Connection::~Connection() = default;
 
-Connection::Connection(const std::string& database, int flags) : files(new Files) {
+Connection::Connection(const std::string& database, int flags) : files(std::make_unique<Files>()) {
     sqlite3* opened = nullptr;
     sqlite3_vfs_register(files.get(), 0);
     const int outcome = sqlite3_open_v2(database.c_str(), &opened, flags, files->zName);

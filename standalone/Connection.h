@@ -46,11 +46,10 @@ private:
     struct Files;
 
     struct Close {
-        void operator()(sqlite3* opened) const;
-        void operator()(Files* used) const;
+        void operator()(sqlite3* opened) const { sqlite3_close_v2(opened); }
     };
 
-    std::unique_ptr<Files, Close> files;
+    std::unique_ptr<Files> files;
     std::unique_ptr<sqlite3, Close> connection;
 };
 

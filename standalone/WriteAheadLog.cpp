@@ -59,6 +59,8 @@ struct Salts {
     std::uint32_t first = 0;
     std::uint32_t second = 0;
 
+    Salts() = default;
+
     explicit Salts(const char* bytes) : first(numberAt(bytes)), second(numberAt(bytes + 4)) {}
 
     bool operator==(const Salts& other) const { return first == other.first && second == other.second; }
@@ -74,15 +76,13 @@ public:
     FrameReader(const OpenFile& file, LogContent& found) : log(file), content(found) {}
 
     void read(const std::array<char, headerBytes>& header, std::uint32_t usualPageBytes) {
-        isHeaderWhole = (numberAt(header.data()) & ~1U) == magic && isPageSize(numberAt(header.data() + 8));
         highestFirst = (numberAt(header.data()) & 1U) != 0;
         sum.add(header.data(), 24, highestFirst);
-        isHeaderWhole = isHeaderWhole && sum.isAt(header.data() + 24);
-        areSaltsSure = isHeaderWhole;
+        const bool isHeaderWhole = (numberAt(header.data()) & ~1U) == magic &&
+                                   isPageSize(numberAt(header.data() + 8)) && sum.isAt(header.data() + 24);
         content.pageBytes = isHeaderWhole ? numberAt(header.data() + 8) : usualPageBytes;
-        if (isHeaderWhole) {
-            salts.emplace(header.data() + 16);
-        }
+        salts = Salts(header.data() + 16);
+        areSaltsSure = isHeaderWhole;
         isWhole = isHeaderWhole;
         frame.resize(frameHeaderBytes + content.pageBytes);
         while (readFrame()) {
@@ -107,8 +107,8 @@ private:
             salts = found;  // the first frames are of the newest round, whatever became of the header
             areSaltsSure = goesOn && numberAt(frame.data()) != 0;  // which zeros do, too
         }
-        const bool isOfThisRound = found == *salts || (wasOfThisRound && goesOn);
-        isWhole = isWhole && found == *salts && goesOn;
+        const bool isOfThisRound = found == salts || (wasOfThisRound && goesOn);
+        isWhole = isWhole && found == salts && goesOn;
         sum = Sum(frame.data() + 16);  // the sum of the next one goes on from there, whatever became of this one
         wasOfThisRound = isOfThisRound;
         const auto part = isWhole ? Part::Committed : isOfThisRound ? Part::Behind : Part::Older;
@@ -150,12 +150,11 @@ private:
 
     const OpenFile& log;
     LogContent& content;
-    std::optional<Salts> salts;
+    Salts salts;
     std::vector<char> frame;
     std::vector<bool> commits;
     Sum sum;
     bool highestFirst = false;
-    bool isHeaderWhole = false;
     bool areSaltsSure = false;
     bool isWhole = false;
     bool wasOfThisRound = true;

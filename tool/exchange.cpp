@@ -14,7 +14,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -170,9 +169,7 @@ void importFile(const Selection& selection, const std::string& file) {
         importFrom(std::cin, "standard input", selection);
         return;
     }
-    const Descriptor lines = openedByCaller(file);
-    __gnu_cxx::stdio_filebuf<char> buffer(fcntl(lines, F_DUPFD_CLOEXEC, 0),
-                                          std::ios::in | std::ios::binary);  // which closes its own
+    __gnu_cxx::stdio_filebuf<char> buffer(openedByCaller(file).release(), std::ios::in | std::ios::binary);
     std::istream stream(&buffer);
     importFrom(stream, file, selection);
 }

@@ -10,7 +10,6 @@
 #include <climits>
 #include <cstddef>
 #include <stdexcept>
-#include <utility>
 
 namespace tool {
 
@@ -59,7 +58,7 @@ Descriptor::Descriptor(int opened) : number(opened) {
     require(number >= 0);
 }
 
-Descriptor::Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
+Descriptor::Descriptor(Descriptor&& other) noexcept : number(other.release()) {}
 
 Descriptor::~Descriptor() {
     if (number >= 0) {

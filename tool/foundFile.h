@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace tool {
 
@@ -26,6 +27,9 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
     Descriptor& operator=(Descriptor&&) = delete;
     ~Descriptor();
+
+    /// Gives it to somebody else to close.
+    int release() { return std::exchange(number, -1); }
 
     operator int() const { return number; }  // NOLINT(google-explicit-constructor): it is one
 

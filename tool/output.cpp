@@ -46,9 +46,13 @@ bool belongsTo(const fs::path& logbook, const fs::path& file) {
 
 /// What a file begins with; nothing when it is no regular one. Waits for none that somebody has put in its place.
 std::string beginningOf(const fs::path& file, std::size_t count) {
-    std::string bytes(count, '\0');
     try {
-        const Descriptor found = opened(placeOf(file), O_RDONLY | O_NONBLOCK | O_NOCTTY);
+        const FilePlace place = placeOf(file);
+        if (!place.found || !S_ISREG(place.found->st_mode)) {
+            return "";
+        }
+        const Descriptor found = opened(place, O_RDONLY | O_NONBLOCK);
+        std::string bytes(count, '\0');
         bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(pread(found, bytes.data(), bytes.size(), 0), 0)));
         return bytes;
     } catch (const Reason&) {

@@ -15,7 +15,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 namespace {
@@ -311,37 +310,13 @@ protected:
     void turnSums() const {
         std::string bytes = support::contentOf(log);
         bytes[3] = static_cast<char>(bytes[3] | 1);
-        std::array<std::uint32_t, 2> sum{};
-        add(sum, bytes, 0, 24);
-        put(sum, bytes, 24);
+        support::LogSum sum;
+        bytes.replace(24, 8, sum.over(bytes.substr(0, 24)));
         for (std::size_t frame = 32; frame < bytes.size(); frame += 24 + pageBytes) {
-            add(sum, bytes, frame, 8);
-            add(sum, bytes, frame + 24, pageBytes);
-            put(sum, bytes, frame + 16);
+            sum.over(bytes.substr(frame, 8));
+            bytes.replace(frame + 16, 8, sum.over(bytes.substr(frame + 24, pageBytes)));
         }
         support::write(log, bytes);
-    }
-
-private:
-    static std::uint32_t numberAt(const std::string& bytes, std::size_t at) {
-        std::uint32_t number = 0;
-        for (const char byte : bytes.substr(at, 4)) {
-            number = number << 8 | static_cast<unsigned char>(byte);
-        }
-        return number;
-    }
-
-    static void add(std::array<std::uint32_t, 2>& sum, const std::string& bytes, std::size_t at, std::size_t count) {
-        for (const std::size_t end = at + count; at < end; at += 8) {
-            sum[0] += numberAt(bytes, at) + sum[1];
-            sum[1] += numberAt(bytes, at + 4) + sum[0];
-        }
-    }
-
-    static void put(const std::array<std::uint32_t, 2>& sum, std::string& bytes, std::size_t at) {
-        for (std::size_t i = 0; i < 8; ++i) {
-            bytes[at + i] = static_cast<char>(sum.at(i / 4) >> (24 - 8 * (i % 4)));
-        }
     }
 };
 

@@ -2,7 +2,7 @@
 
 #include "SystemCall.h"
 #include "TemporaryFolder.h"
-#include "journal.h"
+#include "preparedLogs.h"
 
 #include <filesystem>
 #include <string>

@@ -1,8 +1,8 @@
 // Folders and files that somebody has prepared for those who look into them or write there.
 
 #include "ToolFixture.h"
-#include "journal.h"
 #include "preparedFiles.h"
+#include "preparedLogs.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
